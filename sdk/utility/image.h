@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "gcbase/export.h"
+
 #include "utility/pixeltype.h"
 
 namespace Nivex {
@@ -15,14 +16,15 @@ enum class EImageOrientation : std::uint32_t
     BottomUp = 1
 };
 
-/// A picture in one block of memory. A row takes `ceil(width * bits / 8)` bytes and `GetPaddingX()` bytes
+/// A picture in one block of memory. An image that holds none has the pixel type Undefined, and 0 or null for
+/// all else. A row takes `ceil(width * bits / 8)` bytes and `GetPaddingX()` bytes
 /// of padding; planes follow one another without a gap and share that rule.
 class GENICAM_API IImage
 {
 public:
     virtual ~IImage() = default;
 
-    virtual bool IsValid() const = 0;  ///< True when it holds a picture; all other getters give 0 if not.
+    virtual bool IsValid() const = 0;  ///< True when it holds a picture.
     virtual EPixelType GetPixelType() const = 0;
     virtual std::uint32_t GetWidth() const = 0;   ///< In pixels.
     virtual std::uint32_t GetHeight() const = 0;  ///< In rows.

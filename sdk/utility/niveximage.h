@@ -4,22 +4,25 @@
 #include <memory>
 
 #include "gcbase/gcstring.h"
+
 #include "utility/image.h"
 
 namespace Nivex {
 
 /// A picture with shared ownership of its memory: copies of the object share the buffer until one of them is
 /// reset, loaded or released. The buffer is its own (allocated, 64-byte aligned) or attached from a user.
-/// Reading the same buffer from several threads is safe; an object itself is not synchronised.
+/// Reading the same buffer from several threads is safe, and so is letting go of it there; an object itself
+/// is not synchronised. A moved-from object is empty.
 class GENICAM_API CNivexImage : public IReusableImage
 {
 public:
     CNivexImage() = default;
     ~CNivexImage() override;
     CNivexImage(const CNivexImage&) = default;
-    CNivexImage(CNivexImage&&) noexcept = default;
-    CNivexImage& operator=(const CNivexImage&) = default;
-    CNivexImage& operator=(CNivexImage&&) noexcept = default;
+    CNivexImage(CNivexImage&& other) noexcept { Swap(other); }
+    CNivexImage& operator=(const CNivexImage& other);
+    CNivexImage& operator=(CNivexImage&& other) noexcept;
+    void Swap(CNivexImage& other) noexcept;
 
     bool IsValid() const override { return static_cast<bool>(buffer_); }
     EPixelType GetPixelType() const override { return pixelType_; }
@@ -34,9 +37,12 @@ public:
     /// Bytes that the buffer can hold; at least GetImageSize().
     std::size_t GetAllocatedBufferSize() const { return bufferSize_; }
     bool IsUserBufferAttached() const { return attached_; }
-    /// True when no other object shares the buffer.
-    bool IsUnique() const { return buffer_.use_count() == 1; }
+    /// True when no other object shares the buffer; false for an empty object. True also means that whatever
+    /// other threads read through shares they have let go of is done, so that the buffer may be written.
+    bool IsUnique() const;
 
+    /// Raises BadAllocException, and leaves the object empty, if there is no memory; after any other refusal
+    /// the object keeps what it held.
     void Reset(EPixelType pixelType, std::uint32_t width, std::uint32_t height, std::size_t paddingX = 0,
                EImageOrientation orientation = EImageOrientation::TopDown) override;
     void Release() override;
@@ -46,22 +52,22 @@ public:
     /// what it held when it fails.
     void Load(const GenICam::gcstring& path);
 
-    /// Copies the picture of another image.
+    /// Copies the picture of another image. Raises InvalidArgumentException if that holds none.
     void CopyImage(const IImage& source);
-    /// Copies a picture from memory. Bytes that the layout needs beyond `bufferSize` are refused with
-    /// InvalidArgumentException.
+    /// Copies a picture from memory, which may be this object's own. Raises InvalidArgumentException if
+    /// `buffer` is null or shorter than the layout needs, and for what Reset refuses.
     void CopyImage(const void* buffer, std::size_t bufferSize, EPixelType pixelType, std::uint32_t width,
                    std::uint32_t height, std::size_t paddingX, EImageOrientation orientation);
 
     /// Shows a user's memory as an image, without a copy. `releaseHandler`, if any, is called once, when the
-    /// last image that shares the buffer lets go of it, on that thread; it must not throw. Raises
-    /// InvalidArgumentException if the layout needs more than `bufferSize` bytes; the handler is not called then.
+    /// last image that shares the buffer lets go of it, on that thread; it must not throw. Refusals are those
+    /// of CopyImage; the handler is not called then.
     void AttachUserBuffer(void* buffer, std::size_t bufferSize, EPixelType pixelType, std::uint32_t width,
                           std::uint32_t height, std::size_t paddingX, EImageOrientation orientation,
                           std::function<void()> releaseHandler = {});
 
 private:
-    std::shared_ptr<std::byte> buffer_;
+    std::shared_ptr<std::byte> buffer_;  ///< Null when empty; all other members then have the values below.
     std::size_t bufferSize_ = 0;
     std::size_t imageSize_ = 0;
     EPixelType pixelType_ = EPixelType::Undefined;
