@@ -4,6 +4,7 @@
 #include <span>
 
 #include "gcbase/gcstring.h"
+
 #include "utility/image.h"
 
 namespace Nivex {
@@ -21,7 +22,7 @@ enum class EImageFileFormat : std::uint32_t
 /// How an image file is written.
 struct CImagePersistenceOptions
 {
-    /// JPEG: 1 (smallest) to 100 (best); 0 asks for the encoder's default.
+    /// JPEG: 1 (smallest) to 100 (best); 0 asks for the default of 90. Others are lossless and ignore it.
     int quality = 0;
 };
 
@@ -33,14 +34,25 @@ public:
     static constexpr std::uint32_t maxLoadDimension = 65535;
     static constexpr std::size_t maxLoadBytes = std::size_t{1} << 30;
 
-    /// True if the format can hold an image of this form just as it is.
+    /// True if Save writes an image of this form without converting it. Padding and bottom-up rows never stand
+    /// in the way; the pixel type and, for JPEG above 65500 pixels, the size can. RAW takes every pixel type.
+    /// False for what is no form of an image, and for DNG, which this version does not write.
     static bool CanSaveWithoutConversion(EImageFileFormat format, EPixelType pixelType, std::uint32_t width,
-                                         std::uint32_t height, std::size_t paddingX, EImageOrientation orientation);
+                                         std::uint32_t height, std::size_t paddingX,
+                                         EImageOrientation orientation);
 
-    /// Writes a file under a temporary name in the same folder and renames it, so that no half file is ever
-    /// seen under `path`. An image that the format cannot hold as it is, is converted first.
-    /// Raises InvalidArgumentException for a bad image, RuntimeException that names file and cause if it
-    /// cannot be written; then nothing stays behind.
+    /// Writes a file under a temporary name (".NAME.tmp-PROCESS-NUMBER") in the same folder and renames it, so
+    /// that no half file is ever seen under `path`; a file or link that has the name is replaced. The data are
+    /// left to the system to bring to the disk in its own time.
+    ///
+    /// An image whose pixel type the format cannot hold is converted first: grey to Mono16 or Mono8, all else to
+    /// RGB16Packed, RGB8Packed or BGR8Packed, 16 bits only if the image has more than 8 and the format takes
+    /// them. RAW is the buffer as it stands, padding and row order included; other files hold the rows from the
+    /// top, without padding.
+    ///
+    /// Raises InvalidArgumentException for a format or quality out of range, no or too short a buffer, or what is
+    /// no form of an image; RuntimeException that names file and cause if it cannot be written, and then nothing
+    /// stays behind.
     static void Save(EImageFileFormat format, const GenICam::gcstring& path, const void* buffer,
                      std::size_t bufferSize, EPixelType pixelType, std::uint32_t width, std::uint32_t height,
                      std::size_t paddingX, EImageOrientation orientation,
@@ -48,13 +60,15 @@ public:
     static void Save(EImageFileFormat format, const GenICam::gcstring& path, const IImage& image,
                      const CImagePersistenceOptions* options = nullptr);
 
-    /// Reads a BMP, JPEG, PNG or TIFF file, told by its content. Gives Mono8, Mono16, RGB8Packed, BGR8Packed,
-    /// RGB16Packed, BGRA8Packed or RGBA8Packed, top-down, without padding.
-    /// Raises RuntimeException that names file and cause.
+    /// Reads a BMP, JPEG, PNG or TIFF file, told by its content, not its ending. Gives Mono8, Mono16, RGB8Packed,
+    /// BGR8Packed, RGB16Packed, BGRA8Packed or RGBA8Packed, top-down, without padding. The image is reset to
+    /// that; it is empty after a failure.
+    /// Raises RuntimeException that names file and cause: not there or no regular file, larger than 2 GiB, of
+    /// another format, damaged or ending early, beyond the limits above.
     static void Load(const GenICam::gcstring& path, IReusableImage& image);
     static void LoadFromMemory(std::span<const std::byte> file, IReusableImage& image);
 
-    /// The endings, upper case and without dot, of the files that Load reads.
+    /// The endings, upper case and without dot, by which files that Load reads are known.
     static std::span<const char* const> GetLoadableExtensions();
 };
 

@@ -6,6 +6,7 @@
 
 #include "gcbase/exception.h"
 
+#include "utility/imagepersistence.h"
 
 namespace Nivex {
 
@@ -127,6 +128,13 @@ void CNivexImage::Reset(EPixelType pixelType, std::uint32_t width, std::uint32_t
 void CNivexImage::Release()
 {
     *this = CNivexImage();
+}
+
+void CNivexImage::Load(const GenICam::gcstring& path)
+{
+    CNivexImage loaded;
+    CImagePersistence::Load(path, loaded);
+    Swap(loaded);
 }
 
 void CNivexImage::CopyImage(const IImage& source)
