@@ -6,6 +6,7 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Nivex::DataProcessing::Utils {
@@ -50,10 +51,11 @@ public:
     template <typename Change>
     void changeSinks(const Change& apply)
     {
+        std::shared_ptr<const Sinks> previous;  // Sinks die without the lock; they may log.
         const std::lock_guard lock(mutex_);
         Sinks changed = *currentSinks();
         apply(changed);
-        sinks_ = std::make_shared<const Sinks>(std::move(changed));
+        previous = std::exchange(sinks_, std::make_shared<const Sinks>(std::move(changed)));
     }
 
     int getLevel() const noexcept { return level_.load(std::memory_order_relaxed); }
@@ -90,7 +92,7 @@ private:
     std::shared_ptr<const Sinks> sinks_;
 };
 
-std::string render(const char* format, std::va_list arguments)
+[[gnu::format(printf, 1, 0)]] std::string render(const char* format, std::va_list arguments)
 {
     std::va_list measured;
     va_copy(measured, arguments);
