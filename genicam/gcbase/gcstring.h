@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <cstddef>
 #include <functional>
 #include <ostream>
@@ -50,6 +51,11 @@ public:
     friend bool operator!=(const gcstring& a, const gcstring& b) noexcept { return a.text_ != b.text_; }
     friend bool operator<(const gcstring& a, const gcstring& b) noexcept { return a.text_ < b.text_; }
     friend bool operator>(const gcstring& a, const gcstring& b) noexcept { return a.text_ > b.text_; }
+    // Without this, pairs, tuples and containers of texts would be ordered by the addresses of their characters.
+    friend std::strong_ordering operator<=>(const gcstring& a, const gcstring& b) noexcept
+    {
+        return a.text_ <=> b.text_;
+    }
     friend bool operator==(const gcstring& a, const char* b) { return a.text_ == (b ? b : ""); }
     friend bool operator!=(const gcstring& a, const char* b) { return !(a == b); }
     friend bool operator==(const char* a, const gcstring& b) { return b == a; }
