@@ -6,7 +6,13 @@ namespace GenApi {
 
 CPortImpl::~CPortImpl()
 {
-    if (node_) node_->GetNodeMap()->Connect(nullptr, node_->GetName());
+    if (!node_) return;
+    try {
+        node_->GetNodeMap()->Connect(nullptr, node_->GetName());
+    } catch (...) {
+        // The port is disconnected all the same; a callback's failure has no caller to go to from here.
+        node_ = nullptr;
+    }
 }
 
 void CPortImpl::SetPortImpl(IPort* portNode)

@@ -1,0 +1,58 @@
+#include "genapi/floatnode.h"
+
+#include <limits>
+
+#include "genapi/nodebuilder.h"
+
+namespace GenApi {
+
+double CFloatNode::MinFloat()
+{
+    if (min_.IsGiven()) return min_.ReadChecked();
+    return value_.Reference() ? value_.Reference()->MinFloat() : std::numeric_limits<double>::lowest();
+}
+
+double CFloatNode::MaxFloat()
+{
+    if (max_.IsGiven()) return max_.ReadChecked();
+    return value_.Reference() ? value_.Reference()->MaxFloat() : std::numeric_limits<double>::max();
+}
+
+std::optional<double> CFloatNode::IncFloat()
+{
+    if (inc_.IsGiven()) return inc_.ReadChecked();
+    return value_.Reference() ? value_.Reference()->IncFloat() : std::nullopt;
+}
+
+bool CFloatNode::TakeElement(ElementReader& element)
+{
+    if (element.Is("pValue"))
+        value_.Refer(element.Number(Link::Value));
+    else if (element.Is("Value"))
+        value_.Set(element.Float());
+    else if (element.Is("pMin"))
+        min_.Refer(element.Number(Link::Parameter));
+    else if (element.Is("pMax"))
+        max_.Refer(element.Number(Link::Parameter));
+    else if (element.Is("pInc"))
+        inc_.Refer(element.Number(Link::Parameter));
+    else if (element.Is("Min"))
+        min_.Set(element.Float());
+    else if (element.Is("Max"))
+        max_.Set(element.Float());
+    else if (element.Is("Inc"))
+        inc_.Set(element.Float());
+    else if (element.IsOneOf({"pValueCopy", "pIndex"}))
+        element.RefuseUnsupported();
+    else
+        return CFloatBase::TakeElement(element);
+    return true;
+}
+
+void CFloatNode::Finish(ElementReader& own)
+{
+    CFloatBase::Finish(own);
+    if (!value_.IsGiven()) own.Refuse("it has neither <Value> nor <pValue>");
+}
+
+}  // namespace GenApi
