@@ -18,30 +18,54 @@ constexpr T mean(T a, T b, T c, T d)
     return static_cast<T>(static_cast<Sum>(Sum{a} + b + c + d + 2) >> 2);
 }
 
+// One bits where a column is even; taken from one place later, where it is odd. Long enough that a block of
+// columns fills vectors.
+template <typename T>
+struct ColumnMask
+{
+    static constexpr std::size_t blockColumns = 64;
+    std::array<T, blockColumns + 1> even{};
+
+    constexpr ColumnMask()
+    {
+        for (std::size_t x = 0; x < even.size(); x += 2)
+            even[x] = static_cast<T>(~T{0});
+    }
+};
+
+template <typename T>
+constexpr ColumnMask<T> columnMask;
+
 // One row holds green and one of red and blue, here `own`; the rows beside it hold green and `other`. Columns of
 // the parity `greenColumn` are green. Both cases are computed for every pixel and one is taken by a mask, since
 // the compiler makes vector code of that.
 template <typename T>
-void demosaicRow(const RawWindow<T>& window, std::size_t greenColumn, std::size_t width, T* __restrict own,
-                 T* __restrict green, T* __restrict other)
+void demosaicBlock(const T* __restrict above, const T* __restrict row, const T* __restrict below,
+                   const T* __restrict greenMask, std::ptrdiff_t columns, T* __restrict own, T* __restrict green,
+                   T* __restrict other)
 {
-    const T* __restrict above = window.above;
-    const T* __restrict row = window.row;
-    const T* __restrict below = window.below;
-    const auto left = static_cast<std::ptrdiff_t>(-1);
-    T greenMask[2] = {};
-    greenMask[greenColumn] = static_cast<T>(~T{0});
-    for (std::size_t x = 0; x < width; ++x) {
-        const T isGreen = greenMask[x % 2];
+    for (std::ptrdiff_t x = 0; x < columns; ++x) {
+        const T isGreen = greenMask[x];
         const T isOwn = static_cast<T>(~isGreen);
-        const auto at = static_cast<std::ptrdiff_t>(x);
-        const T sides = mean(row[at + left], row[at + 1]);
-        const T upright = mean(above[at], below[at]);
-        const T cross = mean(row[at + left], row[at + 1], above[at], below[at]);
-        const T corners = mean(above[at + left], above[at + 1], below[at + left], below[at + 1]);
-        own[x] = static_cast<T>((row[at] & isOwn) | (sides & isGreen));
-        green[x] = static_cast<T>((cross & isOwn) | (row[at] & isGreen));
+        const T sides = mean(row[x - 1], row[x + 1]);
+        const T upright = mean(above[x], below[x]);
+        const T cross = mean(row[x - 1], row[x + 1], above[x], below[x]);
+        const T corners = mean(above[x - 1], above[x + 1], below[x - 1], below[x + 1]);
+        own[x] = static_cast<T>((row[x] & isOwn) | (sides & isGreen));
+        green[x] = static_cast<T>((cross & isOwn) | (row[x] & isGreen));
         other[x] = static_cast<T>((corners & isOwn) | (upright & isGreen));
+    }
+}
+
+template <typename T>
+void demosaicRow(const RawWindow<T>& window, std::size_t greenColumn, std::size_t width, T* own, T* green,
+                 T* other)
+{
+    constexpr std::size_t block = ColumnMask<T>::blockColumns;
+    const T* const greenMask = columnMask<T>.even.data() + greenColumn;
+    for (std::size_t x = 0; x < width; x += block) {
+        demosaicBlock(window.above + x, window.row + x, window.below + x, greenMask,
+                      static_cast<std::ptrdiff_t>(std::min(block, width - x)), own + x, green + x, other + x);
     }
 }
 
@@ -71,15 +95,18 @@ constexpr std::uint32_t luma(std::uint32_t red, std::uint32_t green, std::uint32
 }
 
 template <typename T>
-Channels<const T> rgbToMono(const Channels<const T>& line, std::size_t width, const Channels<T>& result)
+void rgbToMonoRow(const T* __restrict red, const T* __restrict green, const T* __restrict blue, std::size_t width,
+                  T* __restrict mono)
 {
-    const T* __restrict red = line[0];
-    const T* __restrict green = line[1];
-    const T* __restrict blue = line[2];
-    T* __restrict mono = result[0];
     for (std::size_t x = 0; x < width; ++x)
         mono[x] = static_cast<T>(luma(red[x], green[x], blue[x]));
-    return {mono, mono, mono};
+}
+
+template <typename T>
+Channels<const T> rgbToMono(const Channels<const T>& line, std::size_t width, const Channels<T>& result)
+{
+    rgbToMonoRow(line[0], line[1], line[2], width, result[0]);
+    return {result[0], result[0], result[0]};
 }
 
 // Coefficients in hundred-thousandths; 128 and the half for rounding are in the constant, so all sums are
@@ -89,18 +116,14 @@ constexpr std::uint32_t chromaBias = 128 * chromaOne + chromaOne / 2;
 
 constexpr std::uint8_t chroma(std::uint32_t plus, std::uint32_t minus)
 {
-    return static_cast<std::uint8_t>(std::min((chromaBias + plus - minus) / chromaOne, 255U));
+    const std::uint32_t value = (chromaBias + plus - minus) / chromaOne;
+    return static_cast<std::uint8_t>(value > 255 ? 255 : value);
 }
 
-Channels<const std::uint8_t> rgbToYuv(const Channels<const std::uint8_t>& line, std::size_t width,
-                                      const Channels<std::uint8_t>& result)
+void rgbToYuvRow(const std::uint8_t* __restrict red, const std::uint8_t* __restrict green,
+                 const std::uint8_t* __restrict blue, std::size_t width, std::uint8_t* __restrict y,
+                 std::uint8_t* __restrict u, std::uint8_t* __restrict v)
 {
-    const std::uint8_t* __restrict red = line[0];
-    const std::uint8_t* __restrict green = line[1];
-    const std::uint8_t* __restrict blue = line[2];
-    std::uint8_t* __restrict y = result[0];
-    std::uint8_t* __restrict u = result[1];
-    std::uint8_t* __restrict v = result[2];
     for (std::size_t x = 0; x < width; ++x) {
         const std::uint32_t r = red[x];
         const std::uint32_t g = green[x];
@@ -109,40 +132,54 @@ Channels<const std::uint8_t> rgbToYuv(const Channels<const std::uint8_t>& line, 
         u[x] = chroma(50000 * b, 16874 * r + 33126 * g);
         v[x] = chroma(50000 * r, 41869 * g + 8131 * b);
     }
-    return {y, u, v};
+}
+
+Channels<const std::uint8_t> rgbToYuv(const Channels<const std::uint8_t>& line, std::size_t width,
+                                      const Channels<std::uint8_t>& result)
+{
+    rgbToYuvRow(line[0], line[1], line[2], width, result[0], result[1], result[2]);
+    return {result[0], result[1], result[2]};
 }
 
 constexpr std::uint8_t clampToByte(std::int32_t value)
 {
-    return static_cast<std::uint8_t>(std::clamp(value, 0, 255));
+    const std::int32_t positive = value < 0 ? 0 : value;
+    return static_cast<std::uint8_t>(positive > 255 ? 255 : positive);
 }
 
-// Rounds `sum / chromaOne` half up for sums of either sign; the bias keeps the division unsigned.
-constexpr std::int32_t roundChroma(std::int32_t sum)
+// Shifts in place of divisions, with coefficients and roundings found by search, so that for every chroma value
+// the result is that of 1.402 V, -0.34414 U - 0.71414 V and 1.772 U, rounded half up.
+constexpr std::int32_t redOf(std::int32_t v)
 {
-    constexpr std::int32_t bias = 256;
-    const auto positive = static_cast<std::uint32_t>(sum + bias * static_cast<std::int32_t>(chromaOne) +
-                                                     static_cast<std::int32_t>(chromaOne / 2));
-    return static_cast<std::int32_t>(positive / chromaOne) - bias;
+    return (11486 * v + 4096) >> 13;
+}
+constexpr std::int32_t greenOf(std::int32_t u, std::int32_t v)
+{
+    return (-360857 * u - 748830 * v + 524300) >> 20;
+}
+constexpr std::int32_t blueOf(std::int32_t u)
+{
+    return (14516 * u + 4130) >> 13;
+}
+
+void yuvToRgbRow(const std::uint8_t* __restrict y, const std::uint8_t* __restrict u,
+                 const std::uint8_t* __restrict v, std::size_t width, std::uint8_t* __restrict red,
+                 std::uint8_t* __restrict green, std::uint8_t* __restrict blue)
+{
+    for (std::size_t x = 0; x < width; ++x) {
+        const std::int32_t cb = u[x] - 128;
+        const std::int32_t cr = v[x] - 128;
+        red[x] = clampToByte(y[x] + redOf(cr));
+        green[x] = clampToByte(y[x] + greenOf(cb, cr));
+        blue[x] = clampToByte(y[x] + blueOf(cb));
+    }
 }
 
 Channels<const std::uint8_t> yuvToRgb(const Channels<const std::uint8_t>& line, std::size_t width,
                                       const Channels<std::uint8_t>& result)
 {
-    const std::uint8_t* __restrict y = line[0];
-    const std::uint8_t* __restrict u = line[1];
-    const std::uint8_t* __restrict v = line[2];
-    std::uint8_t* __restrict red = result[0];
-    std::uint8_t* __restrict green = result[1];
-    std::uint8_t* __restrict blue = result[2];
-    for (std::size_t x = 0; x < width; ++x) {
-        const std::int32_t cb = u[x] - 128;
-        const std::int32_t cr = v[x] - 128;
-        red[x] = clampToByte(y[x] + roundChroma(140200 * cr));
-        green[x] = clampToByte(y[x] + roundChroma(-34414 * cb - 71414 * cr));
-        blue[x] = clampToByte(y[x] + roundChroma(177200 * cb));
-    }
-    return {red, green, blue};
+    yuvToRgbRow(line[0], line[1], line[2], width, result[0], result[1], result[2]);
+    return {result[0], result[1], result[2]};
 }
 
 }  // namespace

@@ -88,28 +88,28 @@ void decodeGroups(const SourceRow& source, std::size_t width, const Channels<T>&
         to[x + pixel] = toSample<T, Depth>(Sample(from, pixel));
 }
 
-template <unsigned Components, unsigned R, unsigned G, unsigned B>
-void decodeColour8(const SourceRow& source, std::size_t width, const Channels<std::uint8_t>& line)
+template <unsigned Components, unsigned R, unsigned B>
+void separate8(const std::uint8_t* __restrict from, std::size_t width, std::uint8_t* __restrict red,
+               std::uint8_t* __restrict green, std::uint8_t* __restrict blue)
 {
-    const std::uint8_t* __restrict from = source.plane[0];
-    std::uint8_t* __restrict red = line[0];
-    std::uint8_t* __restrict green = line[1];
-    std::uint8_t* __restrict blue = line[2];
     for (std::size_t x = 0; x < width; ++x) {
         red[x] = from[Components * x + R];
-        green[x] = from[Components * x + G];
+        green[x] = from[Components * x + 1];
         blue[x] = from[Components * x + B];
     }
 }
 
+template <unsigned Components, unsigned R, unsigned B>
+void decodeColour8(const SourceRow& source, std::size_t width, const Channels<std::uint8_t>& line)
+{
+    separate8<Components, R, B>(source.plane[0], width, line[0], line[1], line[2]);
+}
+
 template <typename T, unsigned Depth, unsigned R, unsigned B>
-void decodeColourCells(const SourceRow& source, std::size_t width, const Channels<T>& line)
+void separateCells(const std::uint8_t* __restrict from, std::size_t width, T* __restrict red, T* __restrict green,
+                   T* __restrict blue)
 {
     constexpr unsigned mask = (1U << Depth) - 1;
-    const std::uint8_t* __restrict from = source.plane[0];
-    T* __restrict red = line[0];
-    T* __restrict green = line[1];
-    T* __restrict blue = line[2];
     for (std::size_t x = 0; x < width; ++x) {
         red[x] = toSample<T, Depth>(loadCell(from + 6 * x + 2 * R) & mask);
         green[x] = toSample<T, Depth>(loadCell(from + 6 * x + 2) & mask);
@@ -117,20 +117,29 @@ void decodeColourCells(const SourceRow& source, std::size_t width, const Channel
     }
 }
 
+template <typename T, unsigned Depth, unsigned R, unsigned B>
+void decodeColourCells(const SourceRow& source, std::size_t width, const Channels<T>& line)
+{
+    separateCells<T, Depth, R, B>(source.plane[0], width, line[0], line[1], line[2]);
+}
+
 // Public texts leave the byte order of this format open. Read here as the stream R0 G0 B0 R1 G1 B1 in the grouping
 // of Mono12Packed.
 template <typename T>
-void decodeRgb12V1(const SourceRow& source, std::size_t width, const Channels<T>& line)
+void separateRgb12V1(const std::uint8_t* __restrict from, std::size_t width, T* __restrict red,
+                     T* __restrict green, T* __restrict blue)
 {
-    const std::uint8_t* __restrict from = source.plane[0];
-    T* __restrict red = line[0];
-    T* __restrict green = line[1];
-    T* __restrict blue = line[2];
     for (std::size_t x = 0; x < width; ++x) {
         red[x] = toSample<T, 12>(gigeSample<12>(from, 3 * x));
         green[x] = toSample<T, 12>(gigeSample<12>(from, 3 * x + 1));
         blue[x] = toSample<T, 12>(gigeSample<12>(from, 3 * x + 2));
     }
+}
+
+template <typename T>
+void decodeRgb12V1(const SourceRow& source, std::size_t width, const Channels<T>& line)
+{
+    separateRgb12V1(source.plane[0], width, line[0], line[1], line[2]);
 }
 
 void decodePlanes8(const SourceRow& source, std::size_t width, const Channels<std::uint8_t>& line)
@@ -146,50 +155,58 @@ void decodePlanes16(const SourceRow& source, std::size_t width, const Channels<T
         decodeCellRow<T, 16>(source.plane[i], width, line[i]);
 }
 
-// Y, U and V are places within the four bytes of two pixels. The lone last pixel of an odd width has no V of its
-// own and takes that of the pair before it, or no colour.
+// Y, U and V are places within the four bytes of two pixels.
 template <unsigned Y, unsigned U, unsigned V>
-void decodeYuv422(const SourceRow& source, std::size_t width, const Channels<std::uint8_t>& line)
+void separatePairs(const std::uint8_t* __restrict from, std::size_t pairs, std::uint8_t* __restrict y,
+                   std::uint8_t* __restrict u, std::uint8_t* __restrict v)
 {
-    const std::uint8_t* __restrict from = source.plane[0];
-    std::uint8_t* __restrict luma = line[0];
-    std::uint8_t* __restrict u = line[1];
-    std::uint8_t* __restrict v = line[2];
-    const std::size_t pairs = width / 2;
     for (std::size_t i = 0; i < pairs; ++i) {
-        luma[2 * i] = from[4 * i + Y];
-        luma[2 * i + 1] = from[4 * i + Y + 2];
+        y[2 * i] = from[4 * i + Y];
+        y[2 * i + 1] = from[4 * i + Y + 2];
         u[2 * i] = u[2 * i + 1] = from[4 * i + U];
         v[2 * i] = v[2 * i + 1] = from[4 * i + V];
     }
+}
+
+// The lone last pixel of an odd width has no V of its own and takes that of the pair before it, or no colour.
+template <unsigned Y, unsigned U, unsigned V>
+void decodeYuv422(const SourceRow& source, std::size_t width, const Channels<std::uint8_t>& line)
+{
+    separatePairs<Y, U, V>(source.plane[0], width / 2, line[0], line[1], line[2]);
     if (width % 2 != 0) {
-        luma[width - 1] = from[4 * pairs + Y];
-        u[width - 1] = from[4 * pairs + U];
-        v[width - 1] = pairs == 0 ? std::uint8_t{128} : v[width - 2];
+        const std::size_t last = width - 1;
+        line[0][last] = source.plane[0][2 * last + Y];
+        line[1][last] = source.plane[0][2 * last + U];
+        line[2][last] = last == 0 ? std::uint8_t{128} : line[2][last - 1];
+    }
+}
+
+void doubleChromaPairs(const std::uint8_t* __restrict from, std::size_t pairs, std::uint8_t* __restrict u,
+                       std::uint8_t* __restrict v)
+{
+    for (std::size_t i = 0; i < pairs; ++i) {
+        u[2 * i] = u[2 * i + 1] = from[2 * i];
+        v[2 * i] = v[2 * i + 1] = from[2 * i + 1];
     }
 }
 
 void decodeSemiplanar(const SourceRow& source, std::size_t width, const Channels<std::uint8_t>& line)
 {
     std::memcpy(line[0], source.plane[0], width);
-    const std::uint8_t* __restrict chroma = source.plane[1];
-    std::uint8_t* __restrict u = line[1];
-    std::uint8_t* __restrict v = line[2];
-    for (std::size_t x = 0; x < width; x += 2) {
-        u[x] = u[x + 1] = chroma[x];
-        v[x] = v[x + 1] = chroma[x + 1];
-    }
+    doubleChromaPairs(source.plane[1], (width + 1) / 2, line[1], line[2]);
+}
+
+void doubleSamples(const std::uint8_t* __restrict from, std::size_t count, std::uint8_t* __restrict to)
+{
+    for (std::size_t i = 0; i < count; ++i)
+        to[2 * i] = to[2 * i + 1] = from[i];
 }
 
 void decodeHalfWidthChroma(const SourceRow& source, std::size_t width, const Channels<std::uint8_t>& line)
 {
     std::memcpy(line[0], source.plane[0], width);
-    for (std::size_t i = 1; i < line.size(); ++i) {
-        const std::uint8_t* __restrict from = source.plane[i];
-        std::uint8_t* __restrict to = line[i];
-        for (std::size_t pair = 0; 2 * pair < width; ++pair)
-            to[2 * pair] = to[2 * pair + 1] = from[pair];
-    }
+    doubleSamples(source.plane[1], (width + 1) / 2, line[1]);
+    doubleSamples(source.plane[2], (width + 1) / 2, line[2]);
 }
 
 template <unsigned Depth>
@@ -244,10 +261,10 @@ struct ColourFormat
 };
 
 constexpr ColourFormat colourFormats[] = {
-    {RGB8Packed, {LineKind::Rgb, 8, 1, {decodeColour8<3, 0, 1, 2>, nullptr}}},
-    {BGR8Packed, {LineKind::Rgb, 8, 1, {decodeColour8<3, 2, 1, 0>, nullptr}}},
-    {RGBA8Packed, {LineKind::Rgb, 8, 1, {decodeColour8<4, 0, 1, 2>, nullptr}}},
-    {BGRA8Packed, {LineKind::Rgb, 8, 1, {decodeColour8<4, 2, 1, 0>, nullptr}}},
+    {RGB8Packed, {LineKind::Rgb, 8, 1, {decodeColour8<3, 0, 2>, nullptr}}},
+    {BGR8Packed, {LineKind::Rgb, 8, 1, {decodeColour8<3, 2, 0>, nullptr}}},
+    {RGBA8Packed, {LineKind::Rgb, 8, 1, {decodeColour8<4, 0, 2>, nullptr}}},
+    {BGRA8Packed, {LineKind::Rgb, 8, 1, {decodeColour8<4, 2, 0>, nullptr}}},
     {RGB10Packed, {LineKind::Rgb, 10, 1, colourCells<10, 0, 2>}},
     {BGR10Packed, {LineKind::Rgb, 10, 1, colourCells<10, 2, 0>}},
     {RGB12Packed, {LineKind::Rgb, 12, 1, colourCells<12, 0, 2>}},

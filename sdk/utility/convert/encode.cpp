@@ -26,18 +26,32 @@ void encodeMono16(const Channels<const T>* lines, std::size_t width, unsigned sh
     encodeCellRow(lines[0][0], width, shift, destination.plane[0]);
 }
 
-template <unsigned Components, unsigned R, unsigned G, unsigned B>
-void encodeColour8(const Lines8* lines, std::size_t width, unsigned, const DestinationRow& destination)
+template <unsigned Components, unsigned R, unsigned B>
+void interleave8(const std::uint8_t* __restrict red, const std::uint8_t* __restrict green,
+                 const std::uint8_t* __restrict blue, std::size_t width, std::uint8_t* __restrict to)
 {
-    const std::uint8_t* __restrict red = lines[0][0];
-    const std::uint8_t* __restrict green = lines[0][1];
-    const std::uint8_t* __restrict blue = lines[0][2];
-    std::uint8_t* __restrict to = destination.plane[0];
     for (std::size_t x = 0; x < width; ++x) {
         to[Components * x + R] = red[x];
-        to[Components * x + G] = green[x];
+        to[Components * x + 1] = green[x];
         to[Components * x + B] = blue[x];
         if (Components == 4) to[Components * x + 3] = 0xFF;
+    }
+}
+
+template <unsigned Components, unsigned R, unsigned B>
+void encodeColour8(const Lines8* lines, std::size_t width, unsigned, const DestinationRow& destination)
+{
+    interleave8<Components, R, B>(lines[0][0], lines[0][1], lines[0][2], width, destination.plane[0]);
+}
+
+template <typename T>
+void interleave16(const T* __restrict red, const T* __restrict green, const T* __restrict blue, std::size_t width,
+                  unsigned shift, std::uint8_t* __restrict to)
+{
+    for (std::size_t x = 0; x < width; ++x) {
+        storeCell(to + 6 * x, static_cast<std::uint16_t>(red[x] << shift));
+        storeCell(to + 6 * x + 2, static_cast<std::uint16_t>(green[x] << shift));
+        storeCell(to + 6 * x + 4, static_cast<std::uint16_t>(blue[x] << shift));
     }
 }
 
@@ -45,15 +59,7 @@ template <typename T>
 void encodeRgb16(const Channels<const T>* lines, std::size_t width, unsigned shift,
                  const DestinationRow& destination)
 {
-    const T* __restrict red = lines[0][0];
-    const T* __restrict green = lines[0][1];
-    const T* __restrict blue = lines[0][2];
-    std::uint8_t* __restrict to = destination.plane[0];
-    for (std::size_t x = 0; x < width; ++x) {
-        storeCell(to + 6 * x, static_cast<std::uint16_t>(red[x] << shift));
-        storeCell(to + 6 * x + 2, static_cast<std::uint16_t>(green[x] << shift));
-        storeCell(to + 6 * x + 4, static_cast<std::uint16_t>(blue[x] << shift));
-    }
+    interleave16(lines[0][0], lines[0][1], lines[0][2], width, shift, destination.plane[0]);
 }
 
 void encodePlanes8(const Lines8* lines, std::size_t width, unsigned, const DestinationRow& destination)
@@ -71,16 +77,31 @@ void encodePlanes16(const Channels<const T>* lines, std::size_t width, unsigned 
     }
 }
 
+void averagePairs(const std::uint8_t* __restrict from, std::size_t width, std::uint8_t* __restrict to)
+{
+    for (std::size_t x = 0; x < width / 2; ++x) {
+        to[x] = static_cast<std::uint8_t>((from[2 * x] + from[2 * x + 1] + 1) >> 1);
+    }
+    if (width % 2 != 0) to[width / 2] = from[width - 1];
+}
+
 void encodeYuv422(const Lines8* lines, std::size_t width, unsigned, const DestinationRow& destination)
 {
     std::memcpy(destination.plane[0], lines[0][0], width);
-    for (std::size_t i = 1; i < lines[0].size(); ++i) {
-        const std::uint8_t* __restrict from = lines[0][i];
-        std::uint8_t* __restrict to = destination.plane[i];
-        for (std::size_t x = 0; x < width / 2; ++x) {
-            to[x] = static_cast<std::uint8_t>((from[2 * x] + from[2 * x + 1] + 1) >> 1);
-        }
-        if (width % 2 != 0) to[width / 2] = from[width - 1];
+    averagePairs(lines[0][1], width, destination.plane[1]);
+    averagePairs(lines[0][2], width, destination.plane[2]);
+}
+
+// Upper and lower may be the same row.
+void averageBlocks(const std::uint8_t* __restrict upper, const std::uint8_t* __restrict lower, std::size_t width,
+                   std::uint8_t* __restrict to)
+{
+    for (std::size_t x = 0; x < width / 2; ++x) {
+        const int sum = upper[2 * x] + upper[2 * x + 1] + lower[2 * x] + lower[2 * x + 1];
+        to[x] = static_cast<std::uint8_t>((sum + 2) >> 2);
+    }
+    if (width % 2 != 0) {
+        to[width / 2] = static_cast<std::uint8_t>((upper[width - 1] + lower[width - 1] + 1) >> 1);
     }
 }
 
@@ -88,28 +109,18 @@ void encodeYuv420(const Lines8* lines, std::size_t width, unsigned, const Destin
 {
     std::memcpy(destination.plane[0], lines[0][0], width);
     if (destination.secondLuma) std::memcpy(destination.secondLuma, lines[1][0], width);
-    for (std::size_t i = 1; i < lines[0].size(); ++i) {
-        const std::uint8_t* __restrict upper = lines[0][i];
-        const std::uint8_t* __restrict lower = lines[1][i];
-        std::uint8_t* __restrict to = destination.plane[i];
-        for (std::size_t x = 0; x < width / 2; ++x) {
-            const int sum = upper[2 * x] + upper[2 * x + 1] + lower[2 * x] + lower[2 * x + 1];
-            to[x] = static_cast<std::uint8_t>((sum + 2) >> 2);
-        }
-        if (width % 2 != 0) {
-            to[width / 2] = static_cast<std::uint8_t>((upper[width - 1] + lower[width - 1] + 1) >> 1);
-        }
-    }
+    averageBlocks(lines[0][1], lines[1][1], width, destination.plane[1]);
+    averageBlocks(lines[0][2], lines[1][2], width, destination.plane[2]);
 }
 
 using enum EPixelType;
 
 constexpr OutputFormat outputFormats[] = {
-    {BGRA8Packed, LineKind::Rgb, 8, 1, encodeColour8<4, 2, 1, 0>, nullptr},
-    {BGR8Packed, LineKind::Rgb, 8, 1, encodeColour8<3, 2, 1, 0>, nullptr},
+    {BGRA8Packed, LineKind::Rgb, 8, 1, encodeColour8<4, 2, 0>, nullptr},
+    {BGR8Packed, LineKind::Rgb, 8, 1, encodeColour8<3, 2, 0>, nullptr},
     {Mono8, LineKind::Mono, 8, 1, encodeMono8, nullptr},
     {Mono16, LineKind::Mono, 16, 1, encodeMono16<std::uint8_t>, encodeMono16<std::uint16_t>},
-    {RGB8Packed, LineKind::Rgb, 8, 1, encodeColour8<3, 0, 1, 2>, nullptr},
+    {RGB8Packed, LineKind::Rgb, 8, 1, encodeColour8<3, 0, 2>, nullptr},
     {RGB16Packed, LineKind::Rgb, 16, 1, encodeRgb16<std::uint8_t>, encodeRgb16<std::uint16_t>},
     {RGB8Planar, LineKind::Rgb, 8, 1, encodePlanes8, nullptr},
     {RGB16Planar, LineKind::Rgb, 16, 1, encodePlanes16<std::uint8_t>, encodePlanes16<std::uint16_t>},

@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
 
+#include <algorithm>
+#include <cmath>
+#include <cstring>
 #include <numeric>
 
 #include "gcbase/exception.h"
@@ -145,6 +148,27 @@ TEST(Colours, FollowTheFullRangeEquations)
     const Bytes back = convertOnce(RGB8Packed, yuv, YUV444Planar, 5, 1);
     for (std::size_t i = 0; i < rgb.size(); ++i)
         EXPECT_NEAR(back[i], rgb[i], 1) << i;
+}
+
+// The arithmetic behind this is scaled integers; here every pair of chroma values is held against real numbers.
+TEST(Colours, AreThoseOfRealNumbersForEveryChroma)
+{
+    const auto level = [](double value) { return std::clamp(std::floor(value + 0.5 + 1e-9), 0.0, 255.0); };
+    for (const int luma : {0, 60, 128, 200, 255}) {
+        Bytes yuv(3 * 65536, static_cast<std::uint8_t>(luma));
+        for (std::size_t i = 0; i < 65536; ++i) {
+            yuv[65536 + i] = static_cast<std::uint8_t>(i % 256);
+            yuv[2 * 65536 + i] = static_cast<std::uint8_t>(i / 256);
+        }
+        const Bytes rgb = convertOnce(RGB8Planar, yuv, YUV444Planar, 256, 256);
+        for (std::size_t i = 0; i < 65536; ++i) {
+            const double u = static_cast<double>(i % 256) - 128;
+            const double v = static_cast<double>(i / 256) - 128;
+            ASSERT_EQ(rgb[i], level(luma + 1.402 * v)) << luma << ' ' << u << ' ' << v;
+            ASSERT_EQ(rgb[65536 + i], level(luma - 0.34414 * u - 0.71414 * v)) << luma << ' ' << u << ' ' << v;
+            ASSERT_EQ(rgb[2 * 65536 + i], level(luma + 1.772 * u)) << luma << ' ' << u << ' ' << v;
+        }
+    }
 }
 
 // The only judge that is not our own: OpenCV's bilinear interpolation, away from its border rule.
