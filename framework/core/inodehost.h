@@ -28,6 +28,8 @@ public:
     virtual void reportLoss(NodeBase& node, LossCause cause, const IGraphUpdate* update) = 0;
     /// Counts things that were lost before they could become updates, such as frames missed.
     virtual void reportMissed(NodeBase& node, LossCause cause, std::uint64_t count) = 0;
+    /// Counts an update that the node sent values on for.
+    virtual void reportSent(NodeBase& node) = 0;
     /// Counts what the node recorded: finished files and payload bytes. Any call marks the update that the
     /// node is executing as recorded.
     virtual void reportRecorded(NodeBase& node, std::uint64_t files, std::uint64_t bytes) = 0;

@@ -20,6 +20,9 @@ public:
 
     GenICam::gcstring GetName() const;
     GenICam::gcstring GetIdentifier() const;
+
+private:
+    GenICam::gcstring read(const char* key) const;
 };
 
 /// The way to the parameters of a node. Any thread may call it; the node takes its own lock.

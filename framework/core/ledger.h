@@ -10,8 +10,7 @@ namespace Nivex::DataProcessing::Core {
 /// Why something that was offered did not end recorded.
 enum class LossCause : std::uint8_t
 {
-    NoSpace,           ///< The source got no space for an update that it had in hand.
-    Stopped,           ///< The recipe stopped with the update in the source's hand.
+    NoSpace,           ///< The source got no space for an update that it had in hand, as the recipe stopped.
     SourceFailed,      ///< The source gave up an update after a failure.
     LoadFailed,        ///< An image file could not be read.
     GrabFailed,        ///< The camera delivered a failed result.
@@ -27,10 +26,10 @@ enum class LossCause : std::uint8_t
 };
 
 /// The causes' names in statistics, in the enumeration's order.
-inline constexpr std::array<std::string_view, 14> lossCauseNames = {
-    "no_space",         "stopped",        "source_failed",     "load_failed",    "grab_failed",
-    "frames_missed",    "invalid_input",  "conversion_failed", "node_failed",    "no_session",
-    "file_not_written", "encoder_failed", "unsupported",       "refused_by_rule"};
+inline constexpr std::array<std::string_view, 13> lossCauseNames = {
+    "no_space",       "source_failed",     "load_failed",    "grab_failed", "frames_missed",
+    "invalid_input",  "conversion_failed", "node_failed",    "no_session",  "file_not_written",
+    "encoder_failed", "unsupported",       "refused_by_rule"};
 
 inline constexpr std::size_t lossCauseCount = lossCauseNames.size();
 

@@ -1,0 +1,382 @@
+#include "runtime/graph.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <mutex>
+
+#include "gcbase/exception.h"
+
+#include "runtime/scheduler.h"
+#include "utils/log.h"
+
+namespace Nivex::DataProcessing::Runtime {
+
+using Core::NodeBase;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+Utils::CatId graphCategory()
+{
+    static const Utils::CatId category = Utils::getCatId("nivex.dataprocessing.runtime.Graph");
+    return category;
+}
+
+/// The text of the exception that is being handled.
+std::string currentFailure()
+{
+    try {
+        throw;
+    } catch (const GenICam::GenericException& e) {
+        return e.GetDescription();
+    } catch (const std::exception& e) {
+        return e.what();
+    } catch (...) {
+        return "unknown exception";
+    }
+}
+
+template <typename Pin>
+const Pin* findPin(const std::vector<Pin>& pins, const std::string& name)
+{
+    const auto found =
+        std::find_if(pins.begin(), pins.end(), [&](const Pin& pin) { return pin.getName() == name.c_str(); });
+    return found == pins.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
+struct Graph::Private
+{
+    struct Connection
+    {
+        std::size_t from;
+        std::string output;
+        std::size_t to;
+        std::string input;
+        NodeBase::Handle typeBinding;
+    };
+
+    struct Node
+    {
+        std::string name;
+        std::string module;
+        NodeHandle handle;
+        Utils::ScopedConnection errorConnection;
+    };
+
+    std::shared_ptr<Core::IResourcePool> pool;
+    std::vector<std::unique_ptr<Node>> nodes;
+    std::vector<Connection> connections;
+    Topology topology;
+    std::uint64_t updateLimit = 0;
+    bool allocated = false;
+
+    std::shared_ptr<Scheduler> scheduler;  ///< From the first start on; replaced at each start.
+    std::vector<std::pair<NodeBase*, NodeBase::Handle>> attachments;
+
+    mutable std::mutex mutex;  // guards the members below, and `scheduler` while it is replaced
+    std::condition_variable event;
+    bool running = false;
+    bool stopRequested = false;
+    Clock::time_point startTime{};
+    std::chrono::nanoseconds duration{0};
+
+    std::size_t numberOf(const std::string& name) const
+    {
+        const auto found =
+            std::find_if(nodes.begin(), nodes.end(), [&](const auto& node) { return node->name == name; });
+        return static_cast<std::size_t>(found - nodes.begin());
+    }
+
+    void notify()
+    {
+        std::lock_guard guard(mutex);
+        event.notify_all();
+    }
+
+    void requireIdle(const char* what) const
+    {
+        std::lock_guard guard(mutex);
+        if (running) GENICAM_THROW(LogicalErrorException, "The recipe is running: %s is not possible now.", what);
+    }
+
+    /// All nodes in topological order, sources first.
+    std::vector<Node*> sorted() const
+    {
+        std::vector<Node*> order;
+        for (const std::size_t number : topology.sort())
+            order.push_back(nodes[number].get());
+        return order;
+    }
+
+    void buildScheduler();
+    void stopNodes(const std::vector<Node*>& started);
+    bool hasNodeError() const
+    {
+        return std::any_of(nodes.begin(), nodes.end(), [](const auto& node) { return node->handle->hasError(); });
+    }
+};
+
+Graph::Graph(std::shared_ptr<Core::IResourcePool> pool) : private_(std::make_unique<Private>())
+{
+    if (!pool) GENICAM_THROW(InvalidArgumentException, "A graph needs a resource pool.");
+    private_->pool = std::move(pool);
+}
+
+Graph::~Graph()
+{
+    stop();
+    free();
+}
+
+void Graph::addNode(const std::string& name, const std::string& module, NodeHandle node)
+{
+    private_->requireIdle("adding a node");
+    if (name.empty()) GENICAM_THROW(InvalidArgumentException, "A node needs a name.");
+    if (!node) GENICAM_THROW(InvalidArgumentException, "The node \"%s\" is null.", name.c_str());
+    if (findNode(name)) GENICAM_THROW(InvalidArgumentException, "There is a node \"%s\" already.", name.c_str());
+    auto entry = std::make_unique<Private::Node>();
+    entry->name = name;
+    entry->module = module;
+    entry->handle = std::move(node);
+    entry->errorConnection.set(entry->handle->getErrorChangedSignal().connect([this] { private_->notify(); }),
+                               true);
+    private_->nodes.push_back(std::move(entry));
+    private_->topology.addNode();
+}
+
+NodeBase* Graph::findNode(const std::string& name) const
+{
+    const std::size_t number = private_->numberOf(name);
+    return number < private_->nodes.size() ? private_->nodes[number]->handle.get() : nullptr;
+}
+
+std::vector<std::string> Graph::getNodeNames() const
+{
+    std::vector<std::string> names;
+    for (const auto& node : private_->nodes)
+        names.push_back(node->name);
+    return names;
+}
+
+void Graph::connect(const std::string& fromNode, const std::string& output, const std::string& toNode,
+                    const std::string& input)
+{
+    using Kind = ConnectionError::Kind;
+    private_->requireIdle("connecting pins");
+    const std::string from = fromNode + "." + output;
+    const std::string to = toNode + "." + input;
+
+    NodeBase* source = findNode(fromNode);
+    if (!source) throw ConnectionError(Kind::UnknownNode, "There is no node \"" + fromNode + "\".");
+    NodeBase* target = findNode(toNode);
+    if (!target) throw ConnectionError(Kind::UnknownNode, "There is no node \"" + toNode + "\".");
+
+    const auto outputs = source->getOutputDescriptors();
+    const auto* outputPin = findPin(outputs, output);
+    if (!outputPin)
+        throw ConnectionError(Kind::UnknownOutput,
+                              "The node \"" + fromNode + "\" has no output \"" + output + "\".");
+    const auto inputs = target->getInputDescriptors();
+    const auto* inputPin = findPin(inputs, input);
+    if (!inputPin)
+        throw ConnectionError(Kind::UnknownInput, "The node \"" + toNode + "\" has no input \"" + input + "\".");
+
+    const std::size_t toNumber = private_->numberOf(toNode);
+    for (const auto& connection : private_->connections) {
+        if (connection.to == toNumber && connection.input == input) {
+            throw ConnectionError(Kind::PinTaken, "The input \"" + to + "\" is connected to \"" +
+                                                      private_->nodes[connection.from]->name + "." +
+                                                      connection.output +
+                                                      "\" already; an input takes one connection.");
+        }
+    }
+    const std::size_t fromNumber = private_->numberOf(fromNode);
+    if (private_->topology.reaches(toNumber, fromNumber)) {
+        throw ConnectionError(Kind::Cycle, "Connecting \"" + from + "\" to \"" + to + "\" closes a cycle.");
+    }
+    const Utils::TypeInfo outputType = outputPin->getType();
+    const bool isVariable = target->canConfigure(input.c_str());
+    if (!isVariable && (!outputType.isValid() || !outputType.canConvert(inputPin->getType()))) {
+        throw ConnectionError(Kind::TypeMismatch, "The output \"" + from + "\" gives " +
+                                                      outputType.getName().str() + ", which the input \"" + to +
+                                                      "\" does not take; it takes " +
+                                                      inputPin->getType().getName().str() + ".");
+    }
+    NodeBase::Handle binding;
+    if (isVariable && outputType.isValid()) binding = target->configureInputType(input.c_str(), outputType);
+    private_->connections.push_back({fromNumber, output, toNumber, input, std::move(binding)});
+    private_->topology.addEdge(fromNumber, toNumber);
+}
+
+void Graph::allocate()
+{
+    private_->requireIdle("allocating resources");
+    std::vector<Private::Node*> done;
+    for (Private::Node* node : private_->sorted()) {
+        try {
+            node->handle->allocateResources();
+            done.push_back(node);
+        } catch (...) {
+            const std::string failure = currentFailure();
+            for (auto allocatedNode = done.rbegin(); allocatedNode != done.rend(); ++allocatedNode) {
+                (*allocatedNode)->handle->freeResources();
+            }
+            GENICAM_THROW(RuntimeException, "%s: The node's resources cannot be allocated: %s", node->name.c_str(),
+                          failure.c_str());
+        }
+    }
+    private_->allocated = true;
+}
+
+void Graph::Private::buildScheduler()
+{
+    std::vector<Scheduler::NodeSetup> setups;
+    for (const auto& node : nodes)
+        setups.push_back({node->handle.get(), node->name, node->module, {}});
+    for (const Connection& connection : connections) {
+        setups[connection.to].inputs.emplace_back(connection.input.c_str());
+    }
+    std::vector<std::size_t> nextSlot(nodes.size(), 0);
+    auto fresh = std::make_shared<Scheduler>(*pool->getThreadPool(), std::move(setups), topology);
+    fresh->setLimitCallback([this] { notify(); });
+    for (const auto& [node, handle] : attachments)
+        node->detachOutputSink(handle);
+    attachments.clear();
+    for (const Connection& connection : connections) {
+        NodeBase* source = nodes[connection.from]->handle.get();
+        const auto sink = fresh->makeSink(connection.to, nextSlot[connection.to]++);
+        attachments.emplace_back(source, source->attachOutputSink(connection.output.c_str(), sink));
+    }
+    for (const auto& node : nodes)
+        node->handle->attachHost(fresh.get());
+    std::lock_guard guard(mutex);
+    scheduler = std::move(fresh);
+}
+
+void Graph::start(const std::map<std::string, Core::NodeArgumentCollection>& arguments)
+{
+    private_->requireIdle("a second start");
+    private_->buildScheduler();
+    private_->scheduler->begin(private_->updateLimit);
+    {
+        std::lock_guard guard(private_->mutex);
+        private_->running = true;
+        private_->stopRequested = false;
+        private_->startTime = Clock::now();
+    }
+    std::vector<Private::Node*> order = private_->sorted();
+    std::reverse(order.begin(), order.end());
+    std::vector<Private::Node*> started;
+    for (Private::Node* node : order) {
+        try {
+            const auto found = arguments.find(node->name);
+            node->handle->start(found == arguments.end() ? Core::NodeArgumentCollection() : found->second);
+            started.insert(started.begin(), node);
+        } catch (...) {
+            const std::string failure = currentFailure();
+            private_->stopNodes(started);
+            GENICAM_THROW(RuntimeException, "%s: The node cannot be started: %s", node->name.c_str(),
+                          failure.c_str());
+        }
+    }
+}
+
+void Graph::Private::stopNodes(const std::vector<Node*>& started)
+{
+    const auto stopNode = [](Node& node) {
+        try {
+            node.handle->stop();
+        } catch (...) {
+            Utils::createLogEntry(Utils::SeverityFailure, graphCategory(),
+                                  "Graph: Exception caught while stopping node \"%s\". Message: %s",
+                                  node.name.c_str(), currentFailure().c_str());
+        }
+    };
+    scheduler->releaseSources();
+    for (Node* node : started) {
+        if (!node->handle->isForwardingUpdates()) stopNode(*node);
+    }
+    scheduler->drain();
+    for (Node* node : started) {
+        if (node->handle->isForwardingUpdates()) stopNode(*node);
+    }
+    std::lock_guard guard(mutex);
+    running = false;
+    duration = Clock::now() - startTime;
+}
+
+void Graph::stop()
+{
+    if (!isRunning()) return;
+    private_->stopNodes(private_->sorted());
+    private_->notify();
+}
+
+void Graph::free()
+{
+    private_->requireIdle("freeing resources");
+    if (!private_->allocated) return;
+    private_->allocated = false;
+    const auto order = private_->sorted();
+    for (auto node = order.rbegin(); node != order.rend(); ++node)
+        (*node)->handle->freeResources();
+}
+
+bool Graph::isRunning() const
+{
+    std::lock_guard guard(private_->mutex);
+    return private_->running;
+}
+
+void Graph::setUpdateLimit(std::uint64_t limit)
+{
+    private_->updateLimit = limit;
+}
+
+Graph::Event Graph::wait(std::chrono::nanoseconds limit, std::chrono::nanoseconds idleTime)
+{
+    const auto never = Clock::time_point::max();
+    const auto end = limit.count() > 0 ? Clock::now() + limit : never;
+    std::unique_lock lock(private_->mutex);
+    for (;;) {
+        if (private_->stopRequested || !private_->running) return Event::StopRequested;
+        const std::shared_ptr<Scheduler> scheduler = private_->scheduler;
+        lock.unlock();
+        const bool limitSettled = scheduler->isLimitSettled();
+        const bool nodeError = private_->hasNodeError();
+        const bool idle = idleTime.count() > 0 && scheduler->getInFlight() == 0;
+        const auto idleEnd = scheduler->getLastActivity() + idleTime;
+        lock.lock();
+        if (private_->stopRequested) return Event::StopRequested;
+        if (nodeError) return Event::NodeError;
+        if (limitSettled) return Event::LimitReached;
+        const auto now = Clock::now();
+        if (idle && now >= idleEnd) return Event::Idle;
+        if (now >= end) return Event::TimeOver;
+        // While something is in flight, its end moves the idle time on; a look now and then is enough to see it.
+        const auto look = now + std::chrono::milliseconds(100);
+        private_->event.wait_until(lock, std::min({end, idle ? idleEnd : look, look}));
+    }
+}
+
+void Graph::requestStop()
+{
+    std::lock_guard guard(private_->mutex);
+    private_->stopRequested = true;
+    private_->event.notify_all();
+}
+
+RunStatistics Graph::getStatistics() const
+{
+    std::unique_lock lock(private_->mutex);
+    const std::shared_ptr<Scheduler> scheduler = private_->scheduler;
+    const auto duration = private_->running ? Clock::now() - private_->startTime : private_->duration;
+    lock.unlock();
+    RunStatistics statistics = scheduler ? scheduler->getStatistics() : RunStatistics();
+    statistics.duration = duration;
+    return statistics;
+}
+
+}  // namespace Nivex::DataProcessing::Runtime

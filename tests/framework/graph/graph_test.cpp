@@ -1,0 +1,316 @@
+// How updates travel: joins, order, passing over, back-pressure, life cycle and connections.
+// The ledger has a test file of its own.
+
+#include <gmock/gmock.h>
+
+#include <barrier>
+#include <future>
+
+#include "core/errors.h"
+#include "core/string.h"
+#include "framework/graph/graphtest.h"
+
+using namespace GraphTest;
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+constexpr auto ample = 60s;
+
+class GraphTravel : public testing::Test
+{
+protected:
+    Runtime::Graph graph{std::make_shared<Pool>(4)};
+};
+
+// (1) A join runs once per update, (2) with the values of one update, (3) in the order of the source, under load.
+TEST_F(GraphTravel, ADiamondJoinsTheValuesOfOneUpdateInOneStepInOrder)
+{
+    constexpr long count = 3000;
+    std::vector<std::pair<long, long>> seen;
+    Source& source = add(graph, "Source", std::make_unique<Source>());
+    addStep(graph, "Left", {"In"}, {"Out"}, [](StepNode& n) { n.put(0, 2 * n.get(0)); });
+    addStep(graph, "Right", {"In"}, {"Out"}, [](StepNode& n) {
+        if (n.get(0) % 7 == 0) std::this_thread::yield();
+        n.put(0, 3 * n.get(0));
+    });
+    addStep(graph, "Join", {"A", "B"}, {}, [&](StepNode& n) { seen.emplace_back(n.get(0), n.get(1)); });
+    graph.connect("Source", "Out", "Left", "In");
+    graph.connect("Source", "Out", "Right", "In");
+    graph.connect("Left", "Out", "Join", "A");
+    graph.connect("Right", "Out", "Join", "B");
+    graph.start();
+    for (long n = 1; n <= count; ++n)
+        ASSERT_TRUE(source.push(n));
+    graph.stop();
+
+    ASSERT_EQ(seen.size(), static_cast<std::size_t>(count));
+    for (long n = 1; n <= count; ++n) {
+        EXPECT_EQ(seen[static_cast<std::size_t>(n - 1)], std::pair(2 * n, 3 * n));
+    }
+}
+
+// A node that gets no value is not run for that update, and holds up neither others nor the order.
+TEST_F(GraphTravel, ANodeWithoutValuesIsPassedOver)
+{
+    std::vector<long> evenOnly;
+    std::vector<std::pair<long, long>> joined;
+    Source& source = add(graph, "Source", std::make_unique<Source>());
+    addStep(graph, "Even", {"In"}, {"Out"}, [](StepNode& n) {
+        if (n.get(0) % 2 == 0) n.put(0, n.get(0));
+    });
+    addStep(graph, "AfterEven", {"In"}, {}, [&](StepNode& n) { evenOnly.push_back(n.get(0)); });
+    addStep(graph, "Join", {"All", "Even"}, {}, [&](StepNode& n) { joined.emplace_back(n.get(0), n.get(1)); });
+    graph.connect("Source", "Out", "Even", "In");
+    graph.connect("Even", "Out", "AfterEven", "In");
+    graph.connect("Source", "Out", "Join", "All");
+    graph.connect("Even", "Out", "Join", "Even");
+    graph.start();
+    for (long n = 1; n <= 4; ++n)
+        source.push(n);
+    graph.stop();
+
+    EXPECT_THAT(evenOnly, ElementsAre(2, 4));
+    EXPECT_THAT(joined, ElementsAre(std::pair(1L, -1L), std::pair(2L, 2L), std::pair(3L, -1L), std::pair(4L, 4L)));
+}
+
+// Two nodes meet inside their steps: that ends only if they run at the same time.
+TEST_F(GraphTravel, DifferentNodesRunInParallel)
+{
+    std::barrier meeting(2);
+    Source& source = add(graph, "Source", std::make_unique<Source>());
+    for (const char* name : {"A", "B"}) {
+        addStep(graph, name, {"In"}, {}, [&](StepNode&) { meeting.arrive_and_wait(); });
+        graph.connect("Source", "Out", name, "In");
+    }
+    graph.start();
+    for (long n = 1; n <= 100; ++n)
+        source.push(n);
+    graph.stop();
+    EXPECT_EQ(graph.getStatistics().finished, 100U);
+}
+
+TEST_F(GraphTravel, AFullQueueHoldsTheSourceBackUntilTheRecipeStops)
+{
+    std::promise<void> open;
+    auto opened = open.get_future().share();
+    Source& source = add(graph, "Source", std::make_unique<Source>(true));
+    StepNode& sink = addStep(graph, "Sink", {"In"}, {}, [&](StepNode&) { opened.wait(); });
+    graph.connect("Source", "Out", "Sink", "In");
+    graph.start();
+    while (graph.getStatistics().inFlight < sink.getMaxInputJobCount())
+        std::this_thread::yield();
+
+    // The worker of the source is held back now; releasing it and the sink lets stop come to its end.
+    auto stopping = std::async(std::launch::async, [&] { graph.stop(); });
+    while (source.getState() != Core::NodeState::Stopped)
+        std::this_thread::yield();
+    open.set_value();
+    stopping.get();
+    const Runtime::RunStatistics statistics = graph.getStatistics();
+    EXPECT_EQ(statistics.offered, sink.getMaxInputJobCount());
+    EXPECT_EQ(statistics.finished, statistics.offered);
+    EXPECT_EQ(statistics.nodes[1].queueMax, sink.getMaxInputJobCount());
+}
+
+TEST_F(GraphTravel, TheLimitLetsExactlySoManyUpdatesThroughFromAllSources)
+{
+    std::atomic<std::uint64_t> arrived = 0;
+    for (const std::string name : {"1", "2"}) {
+        add(graph, "Source" + name, std::make_unique<Source>(true));
+        addStep(graph, "Sink" + name, {"In"}, {}, [&](StepNode&) { ++arrived; });
+        graph.connect("Source" + name, "Out", "Sink" + name, "In");
+    }
+    graph.setUpdateLimit(50);
+    graph.start();
+    EXPECT_EQ(graph.wait(ample, 0ns), Runtime::Graph::Event::LimitReached);
+    graph.stop();
+    EXPECT_EQ(arrived, 50U);
+    EXPECT_EQ(graph.getStatistics().offered, 50U);
+    EXPECT_EQ(graph.getStatistics().finished, 50U);
+}
+
+TEST_F(GraphTravel, AFailingStepIsCountedAndTheUpdateGoesOnWithoutItsValues)
+{
+    std::vector<long> seen;
+    Source& source = add(graph, "Source", std::make_unique<Source>());
+    addStep(graph, "Fails", {"In"}, {"Out"}, [](StepNode& n) {
+        n.put(0, n.get(0));
+        if (n.get(0) == 2) throw std::runtime_error("two");
+        if (n.get(0) == 3) throw 3;
+    });
+    addStep(graph, "Sink", {"In"}, {}, [&](StepNode& n) { seen.push_back(n.get(0)); });
+    graph.connect("Source", "Out", "Fails", "In");
+    graph.connect("Fails", "Out", "Sink", "In");
+    graph.start();
+    for (long n = 1; n <= 4; ++n)
+        source.push(n);
+    graph.stop();
+    EXPECT_THAT(seen, ElementsAre(1, 4));
+    const auto statistics = graph.getStatistics();
+    EXPECT_EQ(statistics.finished, 2U);
+    EXPECT_EQ(of(statistics.lost, LossCause::NodeFailed), 2U);
+    EXPECT_EQ(statistics.nodes[1].failed, 2U);
+    EXPECT_EQ(statistics.nodes[1].in, 4U);
+    EXPECT_EQ(statistics.nodes[1].out, 2U);
+}
+
+TEST_F(GraphTravel, AnUpdateCompletesAfterItsLastNodeAndNumbersRise)
+{
+    std::vector<std::string> order;
+    Source& source = add(graph, "Source", std::make_unique<Source>());
+    addStep(graph, "Sink", {"In"}, {}, [&](StepNode& n) { order.push_back("step " + std::to_string(n.get(0))); });
+    graph.connect("Source", "Out", "Sink", "In");
+    graph.start();
+    for (long n = 1; n <= 2; ++n) {
+        std::promise<void> done;
+        const auto update = source.makeUpdate();
+        EXPECT_EQ(update->getSequenceNumber(), 0U);
+        source.createJob(update, {{"Out", Variant(Integer(n))}}, [&] {
+            order.push_back("done");
+            done.set_value();
+        });
+        done.get_future().wait();
+        EXPECT_EQ(update->getSequenceNumber(), static_cast<std::uint64_t>(n));
+        EXPECT_THROW(source.createJob(update, {}), GenICam::InvalidArgumentException);
+    }
+    graph.stop();
+    EXPECT_THAT(order, ElementsAre("step 1", "done", "step 2", "done"));
+}
+
+class GraphLife : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        add(graph, "Source", std::make_unique<Source>(false, &events));
+        for (const char* name : {"Middle", "Sink"}) {
+            add(graph, name,
+                std::make_unique<StepNode>(
+                    Names{"In"}, Names{"Out"}, [](StepNode&) {}, &events, name));
+        }
+        graph.connect("Source", "Out", "Middle", "In");
+        graph.connect("Middle", "Out", "Sink", "In");
+    }
+
+    Events events;
+    Runtime::Graph graph{std::make_shared<Pool>(2)};
+};
+
+TEST_F(GraphLife, SinksStartFirstAndSourcesStopFirstEachTime)
+{
+    for (int run = 0; run < 2; ++run) {
+        events.clear();
+        graph.allocate();
+        graph.start();
+        EXPECT_THROW(graph.start(), GenICam::LogicalErrorException);
+        graph.stop();
+        graph.free();
+        EXPECT_THAT(events, ElementsAre("start Sink", "start Middle", "start Source", "stop Source", "stop Middle",
+                                        "stop Sink"));
+    }
+}
+
+TEST_F(GraphLife, AFailingStartUndoesTheOthersAndNamesTheNode)
+{
+    auto& middle = dynamic_cast<StepNode&>(*graph.findNode("Middle"));
+    middle.failStart = true;
+    try {
+        graph.start();
+        FAIL() << "started";
+    } catch (const GenICam::RuntimeException& e) {
+        EXPECT_STREQ(e.GetDescription(), "Middle: The node cannot be started: No belt.");
+    }
+    EXPECT_THAT(events, ElementsAre("start Sink", "stop Sink"));
+    EXPECT_FALSE(graph.isRunning());
+    middle.failStart = false;
+    EXPECT_NO_THROW(graph.start());
+}
+
+TEST_F(GraphLife, WaitTellsWhatHappened)
+{
+    using Event = Runtime::Graph::Event;
+    graph.start();
+    EXPECT_EQ(graph.wait(ample, 1ms), Event::Idle);
+    EXPECT_EQ(graph.wait(1ms, 0ns), Event::TimeOver);
+    auto waiting = std::async(std::launch::async, [&] { return graph.wait(ample, 0ns); });
+    auto& sink = dynamic_cast<StepNode&>(*graph.findNode("Sink"));
+    sink.setError(std::make_shared<Core::DeviceError>("Unplugged.", Utils::DateTime::now()));
+    EXPECT_EQ(waiting.get(), Event::NodeError);
+    graph.requestStop();
+    EXPECT_EQ(graph.wait(ample, 0ns), Event::StopRequested);
+}
+
+class TextNode : public StepNode
+{
+public:
+    TextNode() : StepNode({}, {}, [](StepNode&) {}) { createInput("Text", "Text", text_); }
+
+private:
+    Utils::ResettableProperty<Core::String> text_;
+};
+
+TEST(GraphConnection, EachRefusalHasItsKindAndNamesThePins)
+{
+    using Kind = Runtime::ConnectionError::Kind;
+    Runtime::Graph graph(std::make_shared<Pool>(2));
+    add(graph, "S", std::make_unique<Source>());
+    addStep(graph, "A", {"In", "In2"}, {"Out"}, [](StepNode&) {});
+    addStep(graph, "B", {"In"}, {"Out"}, [](StepNode&) {});
+    add(graph, "T", std::make_unique<TextNode>());
+    graph.connect("S", "Out", "A", "In");
+    graph.connect("A", "Out", "B", "In");
+
+    const struct
+    {
+        const char *fromNode, *output, *toNode, *input;
+        Kind kind;
+        const char* text;
+    } rows[] = {
+        {"X", "Out", "A", "In2", Kind::UnknownNode, "no node \"X\""},
+        {"S", "Out", "X", "In2", Kind::UnknownNode, "no node \"X\""},
+        {"S", "Aut", "A", "In2", Kind::UnknownOutput, "\"S\" has no output \"Aut\""},
+        {"S", "Out", "A", "In3", Kind::UnknownInput, "\"A\" has no input \"In3\""},
+        {"S", "Out", "B", "In", Kind::PinTaken, "connected to \"A.Out\" already"},
+        {"B", "Out", "A", "In2", Kind::Cycle, "closes a cycle"},
+        {"A", "Out", "A", "In2", Kind::Cycle, "closes a cycle"},
+        {"S", "Out", "T", "Text", Kind::TypeMismatch, "it takes Nivex::DataProcessing::Core::String"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        try {
+            graph.connect(row.fromNode, row.output, row.toNode, row.input);
+            ADD_FAILURE() << "connected";
+        } catch (const Runtime::ConnectionError& e) {
+            EXPECT_EQ(e.getKind(), row.kind);
+            EXPECT_THAT(e.what(), HasSubstr(row.text));
+        }
+    }
+}
+
+class AnyNode : public StepNode
+{
+public:
+    AnyNode() : StepNode({}, {}, [](StepNode&) {}) { createInput("Data1", "Data", value); }
+    Utils::VariantProperty value;
+};
+
+// An input without a type of its own takes one from its connection.
+TEST(GraphConnection, AVariableInputIsBoundToTheTypeOfItsSource)
+{
+    Runtime::Graph graph(std::make_shared<Pool>(2));
+    Source& source = add(graph, "S", std::make_unique<Source>());
+    AnyNode& node = add(graph, "N", std::make_unique<AnyNode>());
+    EXPECT_TRUE(node.canConfigure("Data1"));
+    graph.connect("S", "Out", "N", "Data1");
+    EXPECT_FALSE(node.canConfigure("Data1"));
+    EXPECT_TRUE(node.getInputDescriptors()[0].getType() == Utils::TypeInfo::get<Integer>());
+    graph.start();
+    source.push(7);
+    graph.stop();
+    EXPECT_EQ(node.value.getVariant().getValue<Integer>().getSigned(), 7);
+}
+
+}  // namespace

@@ -1,0 +1,185 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "core/advancednode.h"
+#include "core/bufferprovider.h"
+#include "core/integer.h"
+#include "core/simplenode.h"
+#include "runtime/graph.h"
+#include "utils/property.h"
+
+namespace GraphTest {
+
+using namespace Nivex::DataProcessing;
+using Core::Integer;
+using Core::LossCause;
+using Utils::Variant;
+
+/// A pool with a given number of threads.
+class Pool : public Core::IResourcePool
+{
+public:
+    explicit Pool(std::size_t threads) : threads_(std::make_shared<Threading::ThreadPool>(threads)) {}
+    std::shared_ptr<Threading::ThreadPool> getThreadPool() override { return threads_; }
+    std::shared_ptr<Core::IBufferProvider> getBufferProvider() override { return buffers_; }
+    std::map<Core::ResourceInfo, std::shared_ptr<Core::IResource>> query(const Utils::TypeInfo&,
+                                                                         const Core::ResourceInfo&) override
+    {
+        return {};
+    }
+    void refresh(const Utils::TypeInfo&) override {}
+    Utils::ISignal<void()>& getResourcesChangedSignal() override { return changed_; }
+
+private:
+    std::shared_ptr<Threading::ThreadPool> threads_;
+    std::shared_ptr<Core::IBufferProvider> buffers_ = std::make_shared<Core::BufferProvider>();
+    Utils::Signal<void(), Utils::VoidCombiner> changed_;
+};
+
+using Events = std::vector<std::string>;
+using Names = std::vector<std::string>;
+
+/// A node whose step is a lambda; its pins carry numbers and are named on construction.
+class StepNode : public Core::SimpleNode
+{
+public:
+    using Step = std::function<void(StepNode&)>;
+
+    StepNode(const Names& inputs, const Names& outputs, Step step, Events* events = nullptr, std::string name = {})
+        : SimpleNode(nullptr), step_(std::move(step)), events_(events), name_(std::move(name))
+    {
+        for (const std::string& input : inputs)
+            createInput(input, input, *in_.emplace_back(makePin()));
+        for (const std::string& output : outputs)
+            createOutput(output, output, *out_.emplace_back(makePin()));
+    }
+    ~StepNode() override { cleanup(); }
+
+    /// The number at an input, or -1 if it holds none.
+    long get(std::size_t input) const { return in_[input]->hasValue() ? in_[input]->getValue().getSigned() : -1; }
+    void put(std::size_t output, long value) { out_[output]->setValue(Integer(value)); }
+
+    using NodeBase::reportLoss;
+    using NodeBase::reportRecorded;
+    using NodeBase::setError;
+
+    void loadSettings(const std::shared_ptr<Core::ISettings>&) override {}
+    void saveSettings(const std::shared_ptr<Core::ISettings>&) override {}
+
+    bool failStart = false;
+
+protected:
+    void process() override { step_(*this); }
+    void onStarting(const Core::NodeArgumentCollection&) override
+    {
+        if (failStart) GENICAM_THROW(RuntimeException, "No belt.");
+        if (events_) events_->push_back("start " + name_);
+    }
+    void onStopping() override
+    {
+        if (events_) events_->push_back("stop " + name_);
+    }
+
+private:
+    using Pin = Utils::ResettableProperty<Integer>;
+    static std::unique_ptr<Pin> makePin() { return std::make_unique<Pin>(); }
+
+    std::vector<std::unique_ptr<Pin>> in_;
+    std::vector<std::unique_ptr<Pin>> out_;
+    Step step_;
+    Events* events_;
+    std::string name_;
+};
+
+/// A source with one output "Out". The test pushes numbers, or a thread of its own counts from 1 while it runs.
+class Source : public Core::AdvancedNode
+{
+public:
+    explicit Source(bool counts = false, Events* events = nullptr)
+        : AdvancedNode(nullptr), counts_(counts), events_(events)
+    {
+        createOutput("Out", "Out", Utils::TypeInfo::get<Integer>());
+    }
+    ~Source() override { cleanup(); }
+
+    std::shared_ptr<Core::IGraphUpdate> makeUpdate()
+    {
+        return getUpdateFactory()->createUpdate(*this, nullptr, true);
+    }
+
+    /// False if there was no space (the graph stops) or no update (its limit is reached).
+    bool push(long number)
+    {
+        if (!waitUntilSpaceAvailable()) return false;
+        const auto update = makeUpdate();
+        if (!update) return false;
+        createJob(update, {{"Out", Variant(Integer(number))}});
+        return true;
+    }
+
+    using NodeBase::createJob;
+    using NodeBase::reportLoss;
+    using NodeBase::reportMissed;
+    using NodeBase::waitUntilSpaceAvailable;
+
+    void loadSettings(const std::shared_ptr<Core::ISettings>&) override {}
+    void saveSettings(const std::shared_ptr<Core::ISettings>&) override {}
+
+protected:
+    void onStarting(const Core::NodeArgumentCollection&) override
+    {
+        if (events_) events_->push_back("start Source");
+        if (counts_) worker_ = std::thread([this] { count(); });
+    }
+    void onStopping() override
+    {
+        if (worker_.joinable()) worker_.join();
+        if (events_) events_->push_back("stop Source");
+    }
+
+private:
+    void count()
+    {
+        long number = 1;
+        while (push(number))
+            ++number;
+    }
+
+    bool counts_;
+    Events* events_;
+    std::thread worker_;
+};
+
+template <typename Node>
+Node& add(Runtime::Graph& graph, const std::string& name, std::unique_ptr<Node> node)
+{
+    Node& reference = *node;
+    graph.addNode(name, "Test", Runtime::NodeHandle(node.release(), [](Core::NodeBase* n) { delete n; }));
+    return reference;
+}
+
+inline StepNode& addStep(Runtime::Graph& graph, const std::string& name, const Names& inputs, const Names& outputs,
+                         StepNode::Step step)
+{
+    return add(graph, name, std::make_unique<StepNode>(inputs, outputs, std::move(step)));
+}
+
+inline std::uint64_t sum(const Core::LossCounts& lost)
+{
+    std::uint64_t total = 0;
+    for (const std::uint64_t count : lost)
+        total += count;
+    return total;
+}
+
+inline std::uint64_t of(const Core::LossCounts& lost, LossCause cause)
+{
+    return lost[static_cast<std::size_t>(cause)];
+}
+
+}  // namespace GraphTest
