@@ -3,6 +3,7 @@
 // measured in the same run, over the time of the conversion.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <random>
@@ -71,7 +72,7 @@ void convert(benchmark::State& state, EPixelType input, EPixelType output, Size 
     const std::size_t bytes = source.size() + destination.GetImageSize();
     const double copySeconds = copySecondsPerByte(bytes / 2) * static_cast<double>(bytes) / 2;
     Clock::duration spent{};
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         const Clock::time_point start = Clock::now();
         run();
         spent += Clock::now() - start;

@@ -56,9 +56,9 @@ enum class EPixelPlanes : std::uint8_t
 /// One row of the table of formats. Bits per pixel are bits 16-23 of `value`.
 struct PixelFormat
 {
+    const char* name;   ///< As in the naming convention, "BayerGR10p".
+    const char* alias;  ///< A second name in use, "RGB8Packed" for "RGB8"; null if there is none.
     std::uint32_t value;
-    const char* name;       ///< As in the naming convention, "BayerGR10p".
-    const char* alias;      ///< A second name in use, "RGB8Packed" for "RGB8"; null if there is none.
     std::uint8_t bitDepth;  ///< Significant bits of a component, the largest if they differ.
     EPixelFamily family;
     EPixelPacking packing;

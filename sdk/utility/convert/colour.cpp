@@ -215,12 +215,13 @@ ColourStage<T> findColourStage(LineKind from, LineKind to)
     return nullptr;
 }
 
-#define INSTANTIATE(T)                                                                                         \
-    template void demosaic<T>(const RawWindow<T>&, EBayerOrder, std::size_t, std::size_t, const Channels<T>&); \
-    template void mirrorEnds<T>(T*, std::size_t);                                                              \
-    template ColourStage<T> findColourStage<T>(LineKind, LineKind)
-INSTANTIATE(std::uint8_t);
-INSTANTIATE(std::uint16_t);
-#undef INSTANTIATE
+template void demosaic(const RawWindow<std::uint8_t>&, EBayerOrder, std::size_t, std::size_t,
+                       const Channels<std::uint8_t>&);
+template void demosaic(const RawWindow<std::uint16_t>&, EBayerOrder, std::size_t, std::size_t,
+                       const Channels<std::uint16_t>&);
+template void mirrorEnds(std::uint8_t*, std::size_t);
+template void mirrorEnds(std::uint16_t*, std::size_t);
+template ColourStage<std::uint8_t> findColourStage<std::uint8_t>(LineKind, LineKind);
+template ColourStage<std::uint16_t> findColourStage<std::uint16_t>(LineKind, LineKind);
 
 }  // namespace Nivex::Pixels

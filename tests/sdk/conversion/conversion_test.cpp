@@ -162,8 +162,8 @@ TEST(Colours, AreThoseOfRealNumbersForEveryChroma)
         }
         const Bytes rgb = convertOnce(RGB8Planar, yuv, YUV444Planar, 256, 256);
         for (std::size_t i = 0; i < 65536; ++i) {
-            const double u = static_cast<double>(i % 256) - 128;
-            const double v = static_cast<double>(i / 256) - 128;
+            const int u = yuv[65536 + i] - 128;
+            const int v = yuv[2 * 65536 + i] - 128;
             ASSERT_EQ(rgb[i], level(luma + 1.402 * v)) << luma << ' ' << u << ' ' << v;
             ASSERT_EQ(rgb[65536 + i], level(luma - 0.34414 * u - 0.71414 * v)) << luma << ' ' << u << ' ' << v;
             ASSERT_EQ(rgb[2 * 65536 + i], level(luma + 1.772 * u)) << luma << ' ' << u << ' ' << v;
@@ -217,18 +217,26 @@ TEST(Threads, DoNotChangeTheResult)
     }
 }
 
+// Once the memory has to grow, once it stays and rows change places.
 TEST(Convert, TakesItsSourceFromTheDestination)
 {
-    CNivexImage image;
-    image.Reset(BGR8Packed, 5, 3);
-    auto* const bytes = static_cast<std::uint8_t*>(image.GetBuffer());
-    std::iota(bytes, bytes + image.GetImageSize(), std::uint8_t{1});
-    const Bytes source(bytes, bytes + image.GetImageSize());
-    CImageFormatConverter converter;
-    converter.OutputPixelFormat.SetValue(BGRA8Packed);
-    converter.Convert(image, image);
-    const auto* const result = static_cast<const std::uint8_t*>(image.GetBuffer());
-    EXPECT_EQ(Bytes(result, result + image.GetImageSize()), convertOnce(BGRA8Packed, source, BGR8Packed, 5, 3));
+    for (const EPixelType output : {BGRA8Packed, RGB8Packed}) {
+        SCOPED_TRACE(GetPixelTypeName(output));
+        CNivexImage image;
+        image.Reset(BGR8Packed, 5, 3);
+        auto* const bytes = static_cast<std::uint8_t*>(image.GetBuffer());
+        std::iota(bytes, bytes + image.GetImageSize(), std::uint8_t{1});
+        CNivexImage original;
+        original.CopyImage(image);
+        CImageFormatConverter converter;
+        converter.OutputPixelFormat.SetValue(output);
+        converter.OutputOrientation.SetValue(OutputOrientationEnums::BottomUp);
+        GuardedImage expected;
+        converter.Convert(expected, original);
+        converter.Convert(image, image);
+        const auto* const result = static_cast<const std::uint8_t*>(image.GetBuffer());
+        EXPECT_EQ(Bytes(result, result + image.GetImageSize()), expected.pixels());
+    }
 }
 
 TEST(Convert, RefusesBadSourcesAndLeavesTheDestination)

@@ -1,5 +1,6 @@
 #include "sdk/conversion/reference.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <random>
@@ -78,9 +79,10 @@ Picture changeColour(const Model& from, const Picture& picture, const Model& to)
 {
     const bool fromMono = picture.planes.size() == 1;
     const bool toMono = to.letters == "M";
-    Picture result = sized(picture.width, picture.height, toMono ? 1 : 3);
+    const std::size_t components = toMono ? 1 : 3;
+    Picture result = sized(picture.width, picture.height, components);
     for (std::size_t i = 0; i < picture.planes[0].samples.size(); ++i) {
-        double in[3];
+        double in[3] = {};
         for (std::size_t c = 0; c < 3; ++c)
             in[c] = picture.planes[fromMono ? 0 : c].samples[i];
         double out[3] = {in[0], in[1], in[2]};
@@ -96,7 +98,7 @@ Picture changeColour(const Model& from, const Picture& picture, const Model& to)
             out[1] = clamped(-0.16874 * in[0] - 0.33126 * in[1] + 0.5 * in[2] + 128);
             out[2] = clamped(0.5 * in[0] - 0.41869 * in[1] - 0.08131 * in[2] + 128);
         }
-        for (std::size_t c = 0; c < result.planes.size(); ++c)
+        for (std::size_t c = 0; c < components; ++c)
             result.planes[c].samples[i] = rounded(out[c]);
     }
     return result;

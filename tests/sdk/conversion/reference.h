@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,11 @@ struct Model
 
     bool isYuv() const { return letters.find('Y') != std::string::npos; }
     bool isBayer() const { return letters.size() == 2 && !isYuv(); }
+
+    friend void PrintTo(const Model& model, std::ostream* stream)
+    {
+        *stream << Nivex::GetPixelTypeName(model.type);
+    }
 };
 
 const std::vector<Model>& inputs();
