@@ -28,6 +28,9 @@ public:
     virtual void Poll(int64_t elapsedMs) = 0;
     virtual CLock& GetLock() const = 0;
     virtual uint64_t GetNumNodes() const = 0;
+    /// The register description that the map was made from, byte for byte; empty for a map without one. Never
+    /// changes.
+    virtual const gcstring& GetDescriptionText() const = 0;
 
     virtual ~INodeMap();
 };

@@ -44,8 +44,10 @@ void CNodeMap::Operation::Finish()
     if (const std::exception_ptr failure = callAll(calls)) std::rethrow_exception(failure);
 }
 
-CNodeMap::CNodeMap(gcstring deviceName, CLock* lock)
-    : lock_(lock ? *lock : ownLock_), deviceName_(std::move(deviceName))
+CNodeMap::CNodeMap(gcstring deviceName, CLock* lock, gcstring descriptionText)
+    : lock_(lock ? *lock : ownLock_),
+      deviceName_(std::move(deviceName)),
+      descriptionText_(std::move(descriptionText))
 {}
 
 CNodeMap::~CNodeMap()

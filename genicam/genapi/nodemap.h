@@ -24,7 +24,7 @@ public:
     static constexpr int maxNesting = 16;
 
     /// Works under `lock`, or under a lock of its own for null.
-    CNodeMap(gcstring deviceName, CLock* lock);
+    CNodeMap(gcstring deviceName, CLock* lock, gcstring descriptionText = {});
     CNodeMap(const CNodeMap&) = delete;
     CNodeMap& operator=(const CNodeMap&) = delete;
     ~CNodeMap() override;
@@ -38,6 +38,7 @@ public:
     void Poll(int64_t elapsedMs) override;
     CLock& GetLock() const override { return lock_; }
     uint64_t GetNumNodes() const override { return nodes_.size(); }
+    const gcstring& GetDescriptionText() const override { return descriptionText_; }
 
     /// Runs `body` as one operation and gives its result.
     template <typename Body>
@@ -68,6 +69,7 @@ private:
     mutable CLock ownLock_;
     CLock& lock_;
     const gcstring deviceName_;
+    const gcstring descriptionText_;
     std::vector<std::unique_ptr<CNodeBase>> nodes_;
     std::unordered_map<std::string_view, CNodeBase*> nodesByName_;
     std::vector<CNodeBase*> polled_;

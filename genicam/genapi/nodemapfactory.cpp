@@ -12,7 +12,9 @@ class CNodeMapFactory::Impl
 {
 public:
     Impl(const void* data, std::size_t size, bool suppressStrings)
-        : document_(std::in_place, data, size), suppressStrings_(suppressStrings)
+        : document_(std::in_place, data, size),
+          text_(static_cast<const char*>(data), size),
+          suppressStrings_(suppressStrings)
     {}
 
     NodeMapPtr Create(const gcstring& deviceName, CLock* lock, bool releaseDescription)
@@ -20,14 +22,18 @@ public:
         if (!document_)
             GENICAM_THROW(LogicalErrorException,
                           "The register description was released when the first map was made.");
-        auto map = std::make_shared<CNodeMap>(deviceName, lock);
+        auto map = std::make_shared<CNodeMap>(deviceName, lock, text_);
         NodeBuilder(*document_, *map, suppressStrings_).Build();
-        if (releaseDescription) document_.reset();
+        if (releaseDescription) {
+            document_.reset();
+            text_.clear();
+        }
         return map;
     }
 
 private:
     std::optional<Document> document_;
+    gcstring text_;
     bool suppressStrings_;
 };
 
