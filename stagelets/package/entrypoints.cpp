@@ -1,0 +1,97 @@
+// The package's face towards a host; see core/packageentrypoints.h. Nothing here but forwarding.
+#include <cstdlib>
+#include <cstring>
+
+#include "gcbase/exception.h"
+
+#include "core/packageentrypoints.h"
+#include "imageformatconverter/imageformatconverter.h"
+#include "imageloading/imageloading.h"
+#include "package/manifest.h"
+
+namespace Core = Nivex::DataProcessing::Core;
+namespace Package = Core::Package;
+namespace Stagelets = Plugin::NivexStageletPackageBase;
+
+using Pool = std::shared_ptr<Core::IResourcePool>;
+
+extern "C" {
+
+GENICAM_API int get_InterfaceVersion()
+{
+    return Package::interfaceVersion;
+}
+
+GENICAM_API char* create_StaticInfo()
+{
+    const std::size_t size = Stagelets::manifestSize + 1;
+    return static_cast<char*>(std::memcpy(std::malloc(size), Stagelets::manifest, size));
+}
+
+GENICAM_API char* create_DynamicInfo()
+{
+    return nullptr;
+}
+
+GENICAM_API void destroy_Info(char** holder)
+{
+    std::free(*holder);
+    *holder = nullptr;
+}
+
+GENICAM_API Core::NodeBase* create_Camera(const Pool& /*pool*/)
+{
+    GENICAM_THROW(RuntimeException,
+                  "This version of the package describes the module Camera but does not hold its node yet.");
+}
+
+GENICAM_API void destroy_Camera(Core::NodeBase* node)
+{
+    delete node;
+}
+
+GENICAM_API Core::NodeBase* create_ImageFormatConverter(const Pool& pool)
+{
+    return new Stagelets::ImageFormatConverter(pool);
+}
+
+GENICAM_API void destroy_ImageFormatConverter(Core::NodeBase* node)
+{
+    delete node;
+}
+
+GENICAM_API Core::NodeBase* create_DataWriter(const Pool& /*pool*/)
+{
+    GENICAM_THROW(RuntimeException,
+                  "This version of the package describes the module DataWriter but does not hold its node yet.");
+}
+
+GENICAM_API void destroy_DataWriter(Core::NodeBase* node)
+{
+    delete node;
+}
+
+GENICAM_API Core::NodeBase* create_ImageLoading(const Pool& pool)
+{
+    return new Stagelets::ImageLoading(pool);
+}
+
+GENICAM_API void destroy_ImageLoading(Core::NodeBase* node)
+{
+    delete node;
+}
+
+}  // extern "C"
+
+static_assert(std::is_same_v<decltype(&get_InterfaceVersion), Package::GetInterfaceVersion>);
+static_assert(std::is_same_v<decltype(&create_StaticInfo), Package::CreateInfo>);
+static_assert(std::is_same_v<decltype(&create_DynamicInfo), Package::CreateInfo>);
+static_assert(std::is_same_v<decltype(&destroy_Info), Package::DestroyInfo>);
+static_assert(std::is_same_v<decltype(&create_Camera), Package::CreateNode>);
+static_assert(std::is_same_v<decltype(&destroy_Camera), Package::DestroyNode>);
+static_assert(std::is_same_v<decltype(&create_ImageFormatConverter), Package::CreateNode>);
+static_assert(std::is_same_v<decltype(&destroy_ImageFormatConverter), Package::DestroyNode>);
+static_assert(std::is_same_v<decltype(&create_DataWriter), Package::CreateNode>);
+static_assert(std::is_same_v<decltype(&destroy_DataWriter), Package::DestroyNode>);
+static_assert(std::is_same_v<decltype(&create_ImageLoading), Package::CreateNode>);
+static_assert(std::is_same_v<decltype(&destroy_ImageLoading), Package::DestroyNode>);
