@@ -1,0 +1,53 @@
+#pragma once
+
+#include <exception>
+
+#include "gcbase/exception.h"
+
+#include "utils/log.h"
+
+namespace Plugin::NivexStageletPackageBase {
+
+/// The node's log channel.
+Nivex::DataProcessing::Utils::CatId dataWriterChannel();
+
+/// What is logged for an exception that one place caught: "%p" is the node, "%s" the message.
+struct CatchSite
+{
+    const char* known;
+    const char* unknown;
+};
+
+namespace CatchSites {
+extern const CatchSite sessionFolder;
+extern const CatchSite beginSessionImage;
+extern const CatchSite beginSessionText;
+extern const CatchSite beginSessionVideo;
+extern const CatchSite recordFolder;
+extern const CatchSite beginRecord;
+extern const CatchSite writeData;
+extern const CatchSite endRecord;
+extern const CatchSite endSession;
+}  // namespace CatchSites
+
+void logCaught(const CatchSite& site, const void* node, const char* message) noexcept;
+void logCaughtUnknown(const CatchSite& site, const void* node) noexcept;
+
+/// Runs the operation and logs what it throws; false if it threw.
+template <typename Operation>
+bool guarded(const CatchSite& site, const void* node, const Operation& operation)
+{
+    try {
+        operation();
+        return true;
+    } catch (const GenICam::GenericException& exception) {
+        logCaught(site, node, exception.GetDescription());
+    } catch (const std::exception& exception) {
+        logCaught(site, node, exception.what());
+    } catch (...) {
+        logCaughtUnknown(site, node);
+    }
+    return false;
+}
+
+}  // namespace Plugin::NivexStageletPackageBase

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "utility/imageformatconverter.h"
+#include "utility/imagepersistence.h"
+#include "utility/niveximage.h"
+
+#include "core/image.h"
+#include "datawriter/IMediaWriter.h"
+
+namespace Plugin::NivexStageletPackageBase {
+
+/// Writes each image to a file of its own, and each element of an array of images to one. A file that has the name
+/// is replaced, whatever the file mode. JPEG files have the encoder's default quality.
+///
+/// Accounts for each image: recorded with its file, InvalidInput for an image that is empty or holds an error,
+/// Unsupported for a grey image that was to become DNG and for any other kind of value. An empty array accounts
+/// for nothing. writeData raises what rendering the name, conversion and saving raise.
+class ImageMediaWriter : public IMediaWriter
+{
+public:
+    explicit ImageMediaWriter(IWriterLedger& ledger) : ledger_(ledger) {}
+
+    void beginSession(const MediaWriterContext&) override {}
+    void beginRecord(const MediaWriterContext&) override {}
+    void writeData(const Nivex::DataProcessing::Utils::Variant& value,
+                   const Nivex::DataProcessing::Utils::TypeInfo& type, const MediaWriterContext& context) override;
+    void endRecord(const MediaWriterContext&) override {}
+    void endSession(const MediaWriterContext&) override { converted_.Release(); }
+
+private:
+    /// What is known of an image before it is saved.
+    struct Target;
+
+    void writeImage(const Nivex::DataProcessing::Core::Image& image, const MediaWriterContext& context,
+                    const WriterIndices& indices);
+    void save(const Nivex::DataProcessing::Core::Image& image, const Target& target);
+
+    IWriterLedger& ledger_;
+    Nivex::CNivexImage converted_;  ///< Kept from image to image, so that its memory is used again.
+    Nivex::CImageFormatConverter converter_;
+};
+
+}  // namespace Plugin::NivexStageletPackageBase

@@ -1,0 +1,26 @@
+#include "datawriter/MediaWriterFactory.h"
+
+#include "datawriter/ImageMediaWriter.h"
+#include "datawriter/UnavailableMediaWriter.h"
+
+namespace Plugin::NivexStageletPackageBase {
+
+std::shared_ptr<IMediaWriter> createMediaWriter(MediaType type, IWriterLedger& ledger)
+{
+    switch (type) {
+        case MediaType::MP4:
+            return std::make_shared<UnavailableMediaWriter>("MP4 videos", ledger);
+        case MediaType::BMP:
+        case MediaType::TIFF:
+        case MediaType::JPEG:
+        case MediaType::PNG:
+        case MediaType::RAW:
+        case MediaType::DNG:
+            return std::make_shared<ImageMediaWriter>(ledger);
+        case MediaType::TXT:
+            return std::make_shared<UnavailableMediaWriter>("text files", ledger);
+    }
+    return nullptr;
+}
+
+}  // namespace Plugin::NivexStageletPackageBase
