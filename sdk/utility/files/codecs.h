@@ -32,7 +32,7 @@ void readTiff(ByteSource& source, IReusableImage& image);
 void writeBmp(const PictureView& picture, int quality, OutputFile& file);
 /// Baseline, colour at half resolution both ways (4:2:0). Quality 0 stands for 90.
 void writeJpeg(const PictureView& picture, int quality, OutputFile& file);
-/// Made for recording: fast compression (level 1) of rows filtered one against the other.
+/// Made for recording: fast compression (level 1) of the differences between neighbours in a row.
 void writePng(const PictureView& picture, int quality, OutputFile& file);
 /// Uncompressed, in strips of about 1 MiB; the large-file form where the small one ends at 4 GiB.
 void writeTiff(const PictureView& picture, int quality, OutputFile& file);

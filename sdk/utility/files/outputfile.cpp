@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
@@ -83,11 +84,9 @@ std::size_t OutputFile::read(void* destination, std::size_t count) noexcept
     return static_cast<std::size_t>(got);
 }
 
-std::uint64_t OutputFile::size() noexcept
+std::uint64_t OutputFile::size() const noexcept
 {
-    struct stat status = {};
-    if (!flush() || ::fstat(descriptor_, &status) != 0) return 0;
-    return static_cast<std::uint64_t>(status.st_size);
+    return std::max(size_, position());
 }
 
 void OutputFile::check() const
@@ -123,6 +122,7 @@ bool OutputFile::writeThrough(const std::byte* bytes, std::size_t count) noexcep
         count -= static_cast<std::size_t>(step);
         position_ += static_cast<std::uint64_t>(step);
     }
+    size_ = std::max(size_, position_);
     return !failed();
 }
 

@@ -31,7 +31,7 @@ public:
     bool seek(std::uint64_t position) noexcept;
     std::uint64_t position() const noexcept { return position_ + pending_; }
     std::size_t read(void* destination, std::size_t count) noexcept;
-    std::uint64_t size() noexcept;  ///< Bytes written so far.
+    std::uint64_t size() const noexcept;  ///< Up to the last byte written so far.
 
     /// Raises FormatError with the text of the first failure, if there is one.
     void check() const;
@@ -49,6 +49,7 @@ private:
     int descriptor_ = -1;
     int error_ = 0;
     std::uint64_t position_ = 0;           ///< In the file, of the first byte of the buffer.
+    std::uint64_t size_ = 0;               ///< Of what has left the buffer.
     std::size_t pending_ = 0;              ///< Bytes in the buffer.
     std::unique_ptr<std::byte[]> buffer_;  ///< Gathers small writes.
 };
