@@ -39,7 +39,7 @@ struct JsonMember
 };
 
 /// The members in the order of the text. Small objects with known keys are looked up, so that is done in a row.
-struct JsonObject
+struct GENICAM_API JsonObject
 {
     std::vector<JsonMember> members;
 

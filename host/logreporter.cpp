@@ -1,0 +1,81 @@
+#include "logreporter.h"
+
+#include <cctype>
+
+#include "texttable.h"
+
+namespace Host {
+
+using Nivex::DataProcessing::Utils::LogEntry;
+
+namespace {
+
+bool isDigit(char c)
+{
+    return std::isdigit(static_cast<unsigned char>(c)) != 0;
+}
+
+bool isHexDigit(char c)
+{
+    return std::isxdigit(static_cast<unsigned char>(c)) != 0;
+}
+
+}  // namespace
+
+std::string reduceMessage(std::string_view message)
+{
+    std::string result;
+    for (std::size_t i = 0; i < message.size(); ++i) {
+        const auto closing = message[i] == '"' ? message.find('"', i + 1) : std::string_view::npos;
+        if (closing != std::string_view::npos) {
+            i = closing;
+        } else if (message.substr(i, 2) == "0x") {
+            for (++i; i + 1 < message.size() && isHexDigit(message[i + 1]);)
+                ++i;
+        } else if (!isDigit(message[i])) {
+            result += message[i];
+        }
+    }
+    return result;
+}
+
+void LogReporter::write(const LogEntry& entry)
+{
+    std::string key(entry.category);
+    key.append(1, '\0').append(entry.format).append(1, '\0').append(reduceMessage(entry.message));
+    const std::string message = escapeControls(entry.message);
+    {
+        const std::lock_guard guard(mutex_);
+        const auto known = causes_.find(key);
+        if (known != causes_.end()) {
+            ++known->second.repeats;
+            return;
+        }
+        if (causes_.size() >= mostCauses) {
+            ++untold_;
+            return;
+        }
+        causes_.emplace(std::move(key), Cause{message, 0});
+    }
+    console_.writeLine("log " + std::to_string(static_cast<int>(entry.severity)) + " " +
+                       std::string(entry.category) + ": " + message);
+}
+
+void LogReporter::reportRepeats()
+{
+    std::map<std::string, Cause> causes;
+    std::uint64_t untold = 0;
+    {
+        const std::lock_guard guard(mutex_);
+        causes.swap(causes_);
+        std::swap(untold, untold_);
+    }
+    for (const auto& [key, cause] : causes) {
+        if (cause.repeats != 0) {
+            console_.writeLine("log: " + std::to_string(cause.repeats) + " more like: " + cause.message);
+        }
+    }
+    if (untold != 0) console_.writeLine("log: " + std::to_string(untold) + " entries of further kinds");
+}
+
+}  // namespace Host

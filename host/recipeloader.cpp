@@ -1,0 +1,197 @@
+#include "recipeloader.h"
+
+#include "core/advancednode.h"
+#include "core/simplenode.h"
+#include "hosterror.h"
+#include "parameters.h"
+#include "runtime/jsonsettings.h"
+#include "runtime/resourcepool.h"
+
+namespace Host {
+
+using namespace Nivex::DataProcessing;
+using Runtime::ConnectionError;
+
+namespace {
+
+void loadSettings(Core::NodeBase& node, const std::shared_ptr<Core::ISettings>& settings)
+{
+    if (auto* simple = dynamic_cast<Core::SimpleNode*>(&node)) {
+        simple->loadSettings(settings);
+    } else if (auto* advanced = dynamic_cast<Core::AdvancedNode*>(&node)) {
+        advanced->loadSettings(settings);
+    } else {
+        GENICAM_THROW(RuntimeException, "The module has no settings.");
+    }
+}
+
+template <typename Descriptor>
+std::vector<std::string> namesOf(const std::vector<Descriptor>& pins)
+{
+    std::vector<std::string> names;
+    for (const auto& pin : pins)
+        names.push_back(pin.getName().str());
+    return names;
+}
+
+class RecipeLoader
+{
+public:
+    RecipeLoader(const PackageSet& packages, const std::string& folder) : packages_(packages), folder_(folder)
+    {
+        result_.graph = std::make_unique<Runtime::Graph>(pool_);
+    }
+
+    void addNode(const RecipeNode& node, FaultList& faults)
+    {
+        if (node.module.empty()) return;
+        const Runtime::Package* package = packages_.findPackage(node.module);
+        if (!package) {
+            faults.addUnknown(node.modulePosition, nodeObject(node.name),
+                              "There is no module \"" + node.module + "\".", node.module,
+                              packages_.getModuleNames());
+            return;
+        }
+        try {
+            result_.graph->addNode(node.name, node.module, package->createNode(node.module, pool_));
+        } catch (...) {
+            faults.add(
+                node.modulePosition, nodeObject(node.name),
+                "A node of the module \"" + node.module + "\" cannot be made: " + describeCurrentException());
+            return;
+        }
+        if (!node.startArguments.empty()) result_.startArguments[node.name] = node.startArguments;
+        loadSettingsOf(node, faults);
+        for (const Assignment& assignment : node.parameters)
+            assign({{}, node.name, assignment}, faults);
+    }
+
+    /// Does nothing for a node that could not be made.
+    void assign(const NodeAssignment& entry, FaultList& faults)
+    {
+        Core::NodeBase* node = result_.graph->findNode(entry.node);
+        if (!node) return;
+        const Assignment& assignment = entry.assignment;
+        const std::string object = entry.text.empty() ? nodeObject(entry.node) : entry.text;
+        try {
+            if (const auto map = getNodeMap(*node, assignment.map)) {
+                assignParameter(*map, assignment.parameter, assignment.value);
+            } else {
+                result_.pending.push_back(entry);
+            }
+        } catch (const ParameterError& e) {
+            faults.addUnknown(assignment.position, object, e.what(), e.name, e.known);
+        } catch (...) {
+            faults.add(assignment.position, object, describeCurrentException());
+        }
+    }
+
+    void connect(const RecipeConnection& connection, FaultList& faults)
+    {
+        Core::NodeBase* from = result_.graph->findNode(connection.from.node);
+        Core::NodeBase* to = result_.graph->findNode(connection.to.node);
+        if (!from || !to) return;
+        const std::string object = "connection \"" + connection.from.node + "." + connection.from.pin + " -> " +
+                                   connection.to.node + "." + connection.to.pin + "\"";
+        try {
+            result_.graph->connect(connection.from.node, connection.from.pin, connection.to.node,
+                                   connection.to.pin);
+        } catch (const ConnectionError& e) {
+            std::string name;
+            std::vector<std::string> known;
+            if (e.getKind() == ConnectionError::Kind::UnknownOutput) {
+                name = connection.from.pin;
+                known = namesOf(from->getOutputDescriptors());
+            } else if (e.getKind() == ConnectionError::Kind::UnknownInput) {
+                name = connection.to.pin;
+                known = namesOf(to->getInputDescriptors());
+            }
+            faults.addUnknown(connection.position, object, e.what(), name, known);
+        } catch (...) {
+            faults.add(connection.position, object, describeCurrentException());
+        }
+    }
+
+    LoadedRecipe take() { return std::move(result_); }
+
+private:
+    void loadSettingsOf(const RecipeNode& node, FaultList& faults)
+    {
+        if (!node.settings) return;
+        const auto store = std::make_shared<Runtime::JsonSettings>(node.settings, GenICam::gcstring(folder_));
+        try {
+            loadSettings(*result_.graph->findNode(node.name), store);
+        } catch (...) {
+            faults.add(store->getRefusalPosition().value_or(node.settings->position), nodeObject(node.name),
+                       "The settings cannot be loaded: " + describeCurrentException());
+        }
+    }
+
+    const PackageSet& packages_;
+    std::string folder_;
+    std::shared_ptr<Core::IResourcePool> pool_ = std::make_shared<Runtime::ResourcePool>();
+    LoadedRecipe result_;
+};
+
+std::vector<std::string> nodeNames(const Recipe& recipe)
+{
+    std::vector<std::string> names;
+    for (const RecipeNode& node : recipe.nodes)
+        names.push_back(node.name);
+    return names;
+}
+
+}  // namespace
+
+std::optional<NodeAssignment> parseNodeAssignment(const std::string& text)
+{
+    const auto dot = text.find('.');
+    if (dot == std::string::npos || dot == 0) return std::nullopt;
+    auto assignment = parseAssignment(std::string_view(text).substr(dot + 1));
+    if (!assignment || text.find('=') < dot) return std::nullopt;
+    return NodeAssignment{text, text.substr(0, dot), std::move(*assignment)};
+}
+
+LoadedRecipe loadRecipe(const Recipe& recipe, const PackageSet& packages, const std::string& folder,
+                        const std::vector<NodeAssignment>& assignments, FaultList& faults,
+                        FaultList& assignmentFaults)
+{
+    RecipeLoader loader(packages, folder);
+    for (const RecipeNode& node : recipe.nodes)
+        loader.addNode(node, faults);
+    const std::vector<std::string> names = nodeNames(recipe);
+    for (const NodeAssignment& entry : assignments) {
+        if (std::find(names.begin(), names.end(), entry.node) == names.end()) {
+            assignmentFaults.addUnknown({}, entry.text, "The recipe has no node \"" + entry.node + "\".",
+                                        entry.node, names);
+        } else {
+            loader.assign(entry, assignmentFaults);
+        }
+    }
+    for (const RecipeConnection& connection : recipe.connections)
+        loader.connect(connection, faults);
+    return loader.take();
+}
+
+void applyPending(const LoadedRecipe& recipe)
+{
+    for (const NodeAssignment& entry : recipe.pending) {
+        const Assignment& assignment = entry.assignment;
+        const auto refuse = [&](const std::string& why) {
+            throw HostError(ExitCode::RunFailed, "parameter not set",
+                            nodeObject(entry.node) + " " + assignment.map + "/" + assignment.parameter, why,
+                            "take the parameter out of the recipe, or correct it");
+        };
+        try {
+            const auto map = getNodeMap(*recipe.graph->findNode(entry.node), assignment.map);
+            if (!map)
+                refuse("The node map \"" + assignment.map +
+                       "\" does not exist, even with all resources allocated.");
+            assignParameter(*map, assignment.parameter, assignment.value);
+        } catch (const ParameterError& e) {
+            refuse(e.what() + suggest(e.name, e.known));
+        }
+    }
+}
+
+}  // namespace Host

@@ -1,0 +1,259 @@
+#include "runcommand.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <condition_variable>
+#include <filesystem>
+#include <ostream>
+#include <thread>
+
+#include "console.h"
+#include "logreporter.h"
+#include "parameters.h"
+#include "runreport.h"
+#include "stopsignals.h"
+#include "texttable.h"
+
+namespace Host {
+
+using namespace Nivex::DataProcessing;
+using Runtime::Graph;
+using Runtime::RunStatistics;
+
+namespace {
+
+/// Raises HostError after telling all faults.
+void requireNoFaults(const std::string& file, const FaultList& faults)
+{
+    if (faults.empty()) return;
+    for (const std::string& line : faults.toLines(file))
+        getConsole().writeLine(line);
+    throw HostError(ExitCode::RecipeInvalid, "recipe invalid", file,
+                    std::to_string(faults.getCount()) + (faults.getCount() == 1 ? " fault" : " faults"),
+                    "correct the places named above");
+}
+
+void requireNoFaults(const FaultList& assignmentFaults)
+{
+    const auto faults = assignmentFaults.getFaults();
+    if (faults.empty()) return;
+    for (std::size_t i = 0; i + 1 < faults.size(); ++i) {
+        getConsole().writeLine("--set: " + escapeControls(faults[i].object) + ": " +
+                               escapeControls(faults[i].message));
+    }
+    throw HostError(ExitCode::WrongCommandLine, "--set", escapeControls(faults.back().object),
+                    escapeControls(faults.back().message), "stagelet params MODULE, for names and values");
+}
+
+Recipe readRecipeFile(const std::string& file, FaultList& faults)
+{
+    std::string text;
+    try {
+        text = Runtime::readTextFile(file);
+    } catch (...) {
+        throw HostError(ExitCode::RecipeInvalid, "recipe not read", file, describeCurrentException(),
+                        "name a recipe file");
+    }
+    return readRecipe(text, faults);
+}
+
+LoadedRecipe load(const RunOptions& options)
+{
+    // Before the working directory changes.
+    const auto file = std::filesystem::absolute(options.recipe);
+    std::vector<std::string> packageFiles;
+    for (const std::string& package : options.packages)
+        packageFiles.push_back(std::filesystem::absolute(package).string());
+
+    FaultList faults;
+    FaultList assignmentFaults;
+    const Recipe recipe = readRecipeFile(options.recipe, faults);
+    if (recipe.nodes.empty()) requireNoFaults(options.recipe, faults);
+    const PackageSet packages(packageFiles);
+    std::filesystem::current_path(file.parent_path());
+    LoadedRecipe loaded =
+        loadRecipe(recipe, packages, file.parent_path().string(), options.assignments, faults, assignmentFaults);
+    requireNoFaults(options.recipe, faults);
+    requireNoFaults(assignmentFaults);
+    return loaded;
+}
+
+/// The value of a node's text parameter; empty if it has none such.
+std::string readTextParameter(Core::NodeBase& node, const char* name)
+{
+    try {
+        const auto map = getNodeMap(node, ownNodeMap);
+        auto* parameter = map ? dynamic_cast<GenApi::IString*>(map->GetNode(name)) : nullptr;
+        return parameter && GenApi::IsReadable(parameter) ? parameter->GetValue().str() : std::string();
+    } catch (const ParameterError&) {
+        return {};
+    }
+}
+
+void warnOfMissingFolders(const Graph& graph)
+{
+    for (const std::string& name : graph.getNodeNames()) {
+        const std::string folder = readTextParameter(*graph.findNode(name), "OutputFolderName");
+        std::error_code error;
+        if (!folder.empty() && !std::filesystem::is_directory(folder, error)) {
+            getConsole().writeLine("warning: " + nodeObject(name) + ": The output folder \"" +
+                                   escapeControls(folder) + "\" does not exist; nothing will be written there.");
+        }
+    }
+}
+
+/// Shows on a terminal how a run goes on, from its making to its end.
+class ProgressDisplay
+{
+public:
+    explicit ProgressDisplay(const Graph& graph) : graph_(graph)
+    {
+        if (getConsole().isTerminal()) thread_ = std::thread([this] { show(); });
+    }
+    ~ProgressDisplay()
+    {
+        {
+            const std::lock_guard guard(mutex_);
+            ending_ = true;
+        }
+        wake_.notify_all();
+        if (thread_.joinable()) thread_.join();
+        getConsole().clearProgress();
+    }
+    ProgressDisplay(const ProgressDisplay&) = delete;
+    ProgressDisplay& operator=(const ProgressDisplay&) = delete;
+
+private:
+    void show()
+    {
+        constexpr auto period = std::chrono::milliseconds(200);
+        RunStatistics before;
+        std::unique_lock lock(mutex_);
+        while (!wake_.wait_for(lock, period, [this] { return ending_; })) {
+            RunStatistics now = graph_.getStatistics();
+            getConsole().showProgress(formatProgress(now, before, getTerminalWidth(STDERR_FILENO)));
+            before = std::move(now);
+        }
+    }
+
+    const Graph& graph_;
+    std::mutex mutex_;  // guards ending_
+    std::condition_variable wake_;
+    bool ending_ = false;
+    std::thread thread_;
+};
+
+/// The log goes to the console from its making to its end.
+class LogToConsole
+{
+public:
+    explicit LogToConsole(int level)
+    {
+        Utils::setLogLevel(level);
+        Utils::setLogSink(reporter_);
+    }
+    ~LogToConsole()
+    {
+        Utils::setLogSink(nullptr);
+        reporter_->reportRepeats();
+    }
+    LogToConsole(const LogToConsole&) = delete;
+    LogToConsole& operator=(const LogToConsole&) = delete;
+
+private:
+    std::shared_ptr<LogReporter> reporter_ = std::make_shared<LogReporter>(getConsole());
+};
+
+void reportNodeErrors(const Graph& graph)
+{
+    for (const std::string& name : graph.getNodeNames()) {
+        for (const auto& error : graph.findNode(name)->getErrors()) {
+            getConsole().writeLine("recipe stopped: " + nodeObject(name) + ": " +
+                                   escapeControls(error->getDescription().view()));
+        }
+    }
+}
+
+void startRecipe(LoadedRecipe& recipe, const RunOptions& options)
+{
+    try {
+        recipe.graph->setUpdateLimit(options.updates);
+        recipe.graph->allocate();
+        applyPending(recipe);
+        recipe.graph->start(recipe.startArguments);
+    } catch (const HostError&) {
+        throw;
+    } catch (...) {
+        throw HostError(ExitCode::RunFailed, "recipe not started", options.recipe, describeCurrentException(),
+                        "stagelet run --log-level 7, to see more");
+    }
+}
+
+/// From start to stop. What ended the run is the result.
+Graph::Event execute(LoadedRecipe& recipe, const RunOptions& options, StopSignals& signals)
+{
+    Graph& graph = *recipe.graph;
+    startRecipe(recipe, options);
+    const ProgressDisplay progress(graph);
+    signals.onStop([&graph] { graph.requestStop(); });
+    const Graph::Event event = graph.wait(options.time.value_or(std::chrono::nanoseconds(0)),
+                                          options.idle.value_or(std::chrono::nanoseconds(0)));
+    signals.onStop({});
+    graph.stop();
+    return event;
+}
+
+ExitCode judge(const RunOptions& options, Graph::Event event, const RunStatistics& statistics)
+{
+    const bool hasOtherEnd = options.updates != 0 || options.idle;
+    if (event == Graph::Event::NodeError) return ExitCode::RunFailed;
+    if (const auto failures = countOutputFailures(statistics)) {
+        getConsole().writeLine("output not written: " + options.recipe + ": " + std::to_string(failures) +
+                               " times a file, a folder or a video could not be written.\n"
+                               "try: see the log entries above, the output folder's existence and its free space");
+        return ExitCode::OutputNotWritten;
+    }
+    if (event == Graph::Event::TimeOver && hasOtherEnd) {
+        getConsole().writeLine("timed out: " + options.recipe +
+                               ": The time of --for passed before the other end was reached.\n"
+                               "try: a longer --for");
+        return ExitCode::TimedOut;
+    }
+    if (options.maxDrops && countDrops(statistics) > *options.maxDrops) {
+        getConsole().writeLine("data lost: " + options.recipe + ": " + std::to_string(countDrops(statistics)) +
+                               " updates were lost; allowed are " + std::to_string(*options.maxDrops) +
+                               ".\ntry: a greater --max-drops, or see the causes above");
+        return ExitCode::DataLost;
+    }
+    return ExitCode::Done;
+}
+
+}  // namespace
+
+void checkRecipe(const RunOptions& options, std::ostream& out)
+{
+    const LogToConsole log(options.logLevel);
+    const LoadedRecipe recipe = load(options);
+    const std::size_t count = recipe.graph->getNodeNames().size();
+    out << options.recipe << ": in order, " << count << (count == 1 ? " node" : " nodes") << "\n";
+}
+
+ExitCode runRecipe(const RunOptions& options, std::ostream& out)
+{
+    // A reader of our output that goes away must not keep files from being closed.
+    signal(SIGPIPE, SIG_IGN);  // NOLINT(cert-err33-c)
+    StopSignals signals;
+    const LogToConsole log(options.logLevel);
+    LoadedRecipe recipe = load(options);
+    warnOfMissingFolders(*recipe.graph);
+    const Graph::Event event = execute(recipe, options, signals);
+    const RunStatistics statistics = recipe.graph->getStatistics();
+    recipe.graph->free();
+    if (event == Graph::Event::NodeError) reportNodeErrors(*recipe.graph);
+    getConsole().writeLine(formatSummary(statistics));
+    if (options.wantsStatistics) out << formatStatisticsJson(statistics);
+    return judge(options, event, statistics);
+}
+
+}  // namespace Host

@@ -1,0 +1,95 @@
+#include "stopsignals.h"
+
+#include <poll.h>
+#include <signal.h>
+#include <sys/eventfd.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "hosterror.h"
+
+namespace Host {
+
+namespace {
+
+sigset_t stopSet()
+{
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, SIGINT);
+    sigaddset(&set, SIGTERM);
+    return set;
+}
+
+[[noreturn]] void raiseSystemError(const char* what)
+{
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
+}  // namespace
+
+StopSignals::StopSignals()
+{
+    const sigset_t set = stopSet();
+    signals_ = signalfd(-1, &set, SFD_CLOEXEC);
+    if (signals_ < 0) raiseSystemError("signalfd");
+    wake_ = eventfd(0, EFD_CLOEXEC);
+    if (wake_ < 0) {
+        close(signals_);
+        raiseSystemError("eventfd");
+    }
+    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+    thread_ = std::thread([this] { watch(); });
+}
+
+StopSignals::~StopSignals()
+{
+    const std::uint64_t one = 1;
+    if (write(wake_, &one, sizeof one) == static_cast<ssize_t>(sizeof one)) thread_.join();
+    if (thread_.joinable()) std::terminate();
+    close(wake_);
+    close(signals_);
+    const sigset_t set = stopSet();
+    pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+}
+
+void StopSignals::watch()
+{
+    pollfd sources[2] = {{signals_, POLLIN, 0}, {wake_, POLLIN, 0}};
+    for (;;) {
+        if (poll(sources, 2, -1) < 0) {
+            if (errno == EINTR) continue;
+            return;
+        }
+        signalfd_siginfo info{};
+        if ((sources[0].revents & POLLIN) != 0 && read(signals_, &info, sizeof info) > 0) handleSignal();
+        if (sources[1].revents != 0) return;
+    }
+}
+
+void StopSignals::handleSignal()
+{
+    const std::unique_lock lock(mutex_, std::try_to_lock);
+    // A lock that is taken means an action that still runs, or a caller that waits for one.
+    if (!lock || hasCome_) _exit(static_cast<int>(ExitCode::ForcedEnd));
+    hasCome_ = true;
+    if (action_) action_();
+}
+
+void StopSignals::onStop(std::function<void()> action)
+{
+    const std::lock_guard guard(mutex_);
+    action_ = std::move(action);
+    if (hasCome_ && action_) action_();
+}
+
+bool StopSignals::hasCome() const
+{
+    const std::lock_guard guard(mutex_);
+    return hasCome_;
+}
+
+}  // namespace Host

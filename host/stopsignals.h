@@ -1,0 +1,39 @@
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <thread>
+
+namespace Host {
+
+/// Takes SIGINT and SIGTERM over: the first one calls what was given with `onStop`, the second one ends the
+/// process at once with ExitCode::ForcedEnd. Make it before any other thread, since the signals are blocked in the
+/// thread that makes it and those it starts afterwards. One at a time.
+class StopSignals
+{
+public:
+    /// Raises std::system_error if the platform refuses.
+    StopSignals();
+    /// Ends the watch; the signals then do as before.
+    ~StopSignals();
+    StopSignals(const StopSignals&) = delete;
+    StopSignals& operator=(const StopSignals&) = delete;
+
+    /// Called once, on a thread of this object, when the first signal comes; or here and now if it has come
+    /// already. An empty function takes the former one out and waits for its end.
+    void onStop(std::function<void()> action);
+    bool hasCome() const;
+
+private:
+    void watch();
+    void handleSignal();
+
+    int signals_ = -1;
+    int wake_ = -1;
+    mutable std::mutex mutex_;  // guards hasCome_ and action_, and is held while the action runs
+    bool hasCome_ = false;
+    std::function<void()> action_;
+    std::thread thread_;
+};
+
+}  // namespace Host
