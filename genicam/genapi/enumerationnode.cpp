@@ -193,9 +193,6 @@ void CEnumerationNode::Finish(ElementReader& own)
 {
     CValueNode::Finish(own);
     if (!value_.IsGiven()) own.Refuse("it has neither <Value> nor <pValue>");
-    if (entries_.empty()) own.Refuse("it has no <EnumEntry>");
-    for (CEnumEntryNode* entry : entries_)
-        entriesByName_.emplace(entry->Symbolic().view(), entry);
 }
 
 bool CEnumerationNode::WantsPolling()
