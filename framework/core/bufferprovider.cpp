@@ -1,7 +1,6 @@
 #include "core/bufferprovider.h"
 
 #include <bit>
-#include <limits>
 #include <map>
 #include <mutex>
 #include <new>
@@ -15,6 +14,8 @@ namespace Nivex::DataProcessing::Core {
 namespace {
 
 constexpr std::align_val_t alignment{64};
+/// Far beyond any picture; more is refused without asking the allocator.
+constexpr std::size_t tooLarge = std::size_t{1} << 39;
 
 struct AlignedDelete
 {
@@ -105,7 +106,7 @@ std::shared_ptr<std::byte> BufferProvider::getBuffer(std::size_t size)
 {
     if (size == 0) GENICAM_THROW(InvalidArgumentException, "Cannot provide a buffer of 0 bytes.");
     Memory memory;
-    const std::size_t sizeClass = size > std::numeric_limits<std::size_t>::max() / 2 ? 0 : sizeClassOf(size);
+    const std::size_t sizeClass = size < tooLarge ? sizeClassOf(size) : 0;
     if (sizeClass != 0) memory = pool_->take(sizeClass);
     if (!memory) GENICAM_THROW(BadAllocException, "Could not provide a buffer of %zu bytes.", size);
     std::byte* const address = memory.release();

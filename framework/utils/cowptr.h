@@ -49,7 +49,7 @@ public:
 
     /// The wrapper as users of type Exposed see it.
     template <typename Exposed>
-    class IObjectWrapperOf : public IObjectWrapper
+    class GENICAM_API IObjectWrapperOf : public IObjectWrapper
     {
     public:
         virtual const Exposed* getConstPointer() const = 0;

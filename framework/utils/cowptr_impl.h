@@ -7,7 +7,7 @@
 namespace Nivex::DataProcessing::Utils {
 
 template <typename Stored, typename Exposed, typename Deleter, typename Cloner>
-class COWPtrBase::ObjectWrapper final : public COWPtrBase::IObjectWrapperOf<Exposed>
+class GENICAM_API COWPtrBase::ObjectWrapper final : public COWPtrBase::IObjectWrapperOf<Exposed>
 {
 public:
     explicit ObjectWrapper(Stored* object, Deleter deleter = {}, Cloner cloner = {})

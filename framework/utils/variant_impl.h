@@ -9,7 +9,7 @@
 namespace Nivex::DataProcessing::Utils {
 
 template <typename T>
-class Variant::DataWrapper final : public Variant::IDataWrapper
+class GENICAM_API Variant::DataWrapper final : public Variant::IDataWrapper
 {
 public:
     DataWrapper(const TypeInfo::ITypeInfoData* type, COWPtr<T> value) : type_(type), value_(std::move(value)) {}

@@ -287,7 +287,7 @@ TEST(BufferProviderTest, RefusesImpossibleSizesAndMayDieFirst)
 {
     auto provider = std::make_unique<BufferProvider>();
     EXPECT_THROW(provider->getBuffer(0), InvalidArgumentException);
-    for (const std::size_t size : {~std::size_t{0}, ~std::size_t{0} / 2 - 1}) {
+    for (const std::size_t size : {~std::size_t{0}, std::size_t{1} << 39}) {
         EXPECT_EQ(refusal<GenICam::BadAllocException>([&] { provider->getBuffer(size); }),
                   "Could not provide a buffer of " + std::to_string(size) + " bytes.");
     }
