@@ -18,7 +18,7 @@ inline constexpr bool isCOWPtr<COWPtr<T>> = true;
 /// threads; one variant is for one thread at a time.
 ///
 /// A variant made from a T and one made from a COWPtr<T> are of the same type, T's, and can be read as either.
-/// The library that made a value must stay loaded while the value lives.
+/// The library that registered the value's type must stay loaded while the value lives.
 class GENICAM_API Variant
 {
 public:
