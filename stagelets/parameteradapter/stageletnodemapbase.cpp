@@ -28,8 +28,14 @@ void StageletNodeMapBase::build()
 
 GenApi::CNodeMapRef StageletNodeMapBase::getNodeMap() const
 {
+    struct MapAndLock
+    {
+        std::shared_ptr<Threading::RecursiveCLock> lock;
+        GenApi::NodeMapPtr map;
+    };
     Threading::UniqueLock<Threading::RecursiveCLock> guard(*lock_);
-    return adapter_.getNodeMap();
+    const auto owner = std::make_shared<MapAndLock>(MapAndLock{lock_, adapter_.getNodeMap().GetNodeMap()});
+    return GenApi::CNodeMapRef(GenApi::NodeMapPtr(owner, owner->map.get()));
 }
 
 GenApi::CNodeMapRef StageletNodeMapBase::getNodeMap(const GenICam::gcstring& mapIdentifier) const

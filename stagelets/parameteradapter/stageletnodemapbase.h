@@ -64,7 +64,8 @@ public:
     /// Builds the map, under the node's lock, from what was added; once, or again after more was added.
     void build();
 
-    /// The map built last.
+    /// The map built last. The reference also keeps the lock alive, so that it may outlive the node, which leaves
+    /// the map without port.
     GenApi::CNodeMapRef getNodeMap() const;
     /// The map if `mapIdentifier` is that of the node's own map, else a reference without map.
     GenApi::CNodeMapRef getNodeMap(const GenICam::gcstring& mapIdentifier) const;
