@@ -5,6 +5,7 @@
 #include "gcbase/exception.h"
 
 #include "core/packageentrypoints.h"
+#include "datawriter/DataWriter.h"
 #include "imageformatconverter/imageformatconverter.h"
 #include "imageloading/imageloading.h"
 #include "package/manifest.h"
@@ -60,10 +61,9 @@ GENICAM_API void destroy_ImageFormatConverter(Core::NodeBase* node)
     delete node;
 }
 
-GENICAM_API Core::NodeBase* create_DataWriter(const Pool& /*pool*/)
+GENICAM_API Core::NodeBase* create_DataWriter(const Pool& pool)
 {
-    GENICAM_THROW(RuntimeException,
-                  "This version of the package describes the module DataWriter but does not hold its node yet.");
+    return new Stagelets::DataWriter(pool);
 }
 
 GENICAM_API void destroy_DataWriter(Core::NodeBase* node)
