@@ -53,7 +53,8 @@ struct TiffHandle::Callbacks
 
     static int close(thandle_t) { return 0; }
 
-    static int keepError(TIFF*, void* user, const char*, const char* format, std::va_list arguments)
+    __attribute__((format(printf, 4, 0))) static int keepError(TIFF*, void* user, const char*, const char* format,
+                                                               std::va_list arguments)
     {
         auto& text = self(user).error_;
         // Later errors only follow from the first.

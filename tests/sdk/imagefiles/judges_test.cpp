@@ -1,10 +1,14 @@
 // Independent programs read what we write, and write what we read.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <tuple>
+
+#include "gcbase/exception.h"
 
 #include "sdk/imagefiles/imagetesting.h"
 
@@ -149,6 +153,7 @@ TEST_F(Judges, WeReadImageMagicksFiles)
         {"-depth 8 -alpha set -channel A -fx i/w +channel", "k.tif", RGBA8Packed},
         {"-depth 8 -define tiff:rows-per-strip=3 -compress Zip -define tiff:predictor=2", "l.tif", RGB8Packed},
         {"-depth 8", "tiff64:m.tif", RGB8Packed},
+        {"-depth 8 -compress JPEG -quality 95", "n.tif", RGB8Packed, 2},  // Rendered by the library from YCbCr.
         {"-depth 8", "BMP2:a.bmp", BGR8Packed},
         {"-depth 8 -alpha off", "BMP3:b.bmp", BGR8Packed},
         {"-colors 200 -type Palette -compress None", "BMP3:c.bmp", BGR8Packed},
@@ -176,6 +181,25 @@ TEST_F(Judges, WeReadImageMagicksFiles)
         ASSERT_EQ(loaded.GetWidth(), 37U);
         const auto theirs = runCommand(magick + " " + path + printed(loaded.GetPixelType()));
         EXPECT_LE(largestDifference(theirs, rowsOf(loaded)), c.tolerance);
+    }
+}
+
+// What we don't decode is refused by name, and not shown in wrong colours.
+TEST_F(Judges, OtherKindsAreRefusedByName)
+{
+    NEED(magick);
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"-colorspace CMYK", "a.jpg", "colour space"},
+        {"-colors 30 -type Palette -compress RLE", "BMP3:b.bmp", "run-length"},
+    };
+    CImagePersistence::Save(Tiff, inFolder("source.tiff").c_str(), makePicture(RGB8Packed, 37, 21));
+    for (const auto& [options, file, cause] : cases) {
+        const std::string name = file;
+        const std::string path = inFolder(name.substr(name.find(':') + 1));
+        runCommand(magick + " " + inFolder("source.tiff") + " " + options + " " +
+                   name.substr(0, name.find(':') + 1) + path);
+        const auto load = [&path] { CNivexImage().Load(path.c_str()); };
+        EXPECT_THAT(load, testing::ThrowsMessage<GenICam::RuntimeException>(testing::HasSubstr(cause)));
     }
 }
 
