@@ -1,0 +1,197 @@
+#pragma once
+
+#include <stdlib.h>
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "genapi/genapi.h"
+
+#include "core/errors.h"
+#include "core/image.h"
+#include "core/inodehost.h"
+#include "core/isettings.h"
+#include "datawriter/DataWriter.h"
+
+namespace DataWriterTest {
+
+namespace fs = std::filesystem;
+namespace Core = Nivex::DataProcessing::Core;
+namespace Utils = Nivex::DataProcessing::Utils;
+using namespace Plugin::NivexStageletPackageBase;
+using GenICam::gcstring;
+
+/// A folder of the test's own, gone with it.
+class TemporaryFolder
+{
+public:
+    TemporaryFolder() { path_ = mkdtemp(pattern_.data()); }
+    ~TemporaryFolder() { fs::remove_all(path_); }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const fs::path& path() const { return path_; }
+    /// All files and folders below it, as relative paths.
+    std::set<std::string> entries() const
+    {
+        std::set<std::string> names;
+        for (const auto& entry : fs::recursive_directory_iterator(path_))
+            names.insert(fs::relative(entry.path(), path_).string());
+        return names;
+    }
+
+private:
+    std::string pattern_ = (fs::temp_directory_path() / "datawriter-XXXXXX").string();
+    fs::path path_;
+};
+
+/// A store in memory that keeps the order in which its keys were first set, with those of child stores.
+class MemorySettings : public Core::ISettings
+{
+public:
+    using Value = std::variant<std::int64_t, std::uint64_t, double, bool, gcstring>;
+
+    std::shared_ptr<std::vector<std::string>> order = std::make_shared<std::vector<std::string>>();
+    std::map<std::string, Value> values;
+    std::map<std::string, std::shared_ptr<MemorySettings>> children;
+
+    bool hasKey(const Core::SettingsPath& path) const override
+    {
+        return values.count(name(path)) + children.count(name(path)) != 0;
+    }
+    std::int64_t getSigned(const Core::SettingsPath& path) const override { return get<std::int64_t>(path); }
+    std::uint64_t getUnsigned(const Core::SettingsPath& path) const override { return get<std::uint64_t>(path); }
+    double getDouble(const Core::SettingsPath& path) const override { return get<double>(path); }
+    bool getBool(const Core::SettingsPath& path) const override { return get<bool>(path); }
+    gcstring getString(const Core::SettingsPath& path) const override { return get<gcstring>(path); }
+    void setSigned(const Core::SettingsPath& path, std::int64_t value) override { set(path, value); }
+    void setUnsigned(const Core::SettingsPath& path, std::uint64_t value) override { set(path, value); }
+    void setDouble(const Core::SettingsPath& path, double value) override { set(path, value); }
+    void setBool(const Core::SettingsPath& path, bool value) override { set(path, value); }
+    void setString(const Core::SettingsPath& path, const gcstring& value) override { set(path, value); }
+    std::shared_ptr<ISettings> openChild(const Core::SettingsPath& path) const override
+    {
+        return children.at(name(path));
+    }
+    std::shared_ptr<ISettings> createChild(const Core::SettingsPath& path) override
+    {
+        auto& child = children[name(path)];
+        child = std::make_shared<MemorySettings>();
+        child->prefix_ = name(path) + "/";
+        child->order = order;
+        return child;
+    }
+    bool hasLocation() const override { return false; }
+    gcstring getLocation() const override { return ""; }
+
+private:
+    static std::string name(const Core::SettingsPath& path)
+    {
+        return std::get<gcstring>(path.getElements().at(0)).str();
+    }
+    template <typename T>
+    T get(const Core::SettingsPath& path) const
+    {
+        const auto found = values.find(name(path));
+        if (found == values.end()) GENICAM_THROW(RuntimeException, "no %s", name(path).c_str());
+        return std::get<T>(found->second);
+    }
+    void set(const Core::SettingsPath& path, Value value)
+    {
+        order->push_back(prefix_ + name(path));
+        values[name(path)] = std::move(value);
+    }
+
+    std::string prefix_;
+};
+
+/// Counts what a node outside a graph reports.
+class CountingHost : public Core::INodeHost
+{
+public:
+    std::map<Core::LossCause, int> lost;
+    std::uint64_t records = 0;
+    std::uint64_t files = 0;
+    std::uint64_t bytes = 0;
+
+    std::shared_ptr<Core::IGraphUpdate> createUpdate(Core::NodeBase&, const std::shared_ptr<Core::IGraphUpdate>&,
+                                                     bool) override
+    {
+        return nullptr;
+    }
+    bool waitUntilSpaceAvailable(Core::NodeBase&) override { return false; }
+    void submit(Core::NodeBase&, const std::shared_ptr<Core::IGraphUpdate>&, Core::PinValues&&,
+                std::function<void()>) override
+    {}
+    void reportLoss(Core::NodeBase&, Core::LossCause cause, const Core::IGraphUpdate*) override { ++lost[cause]; }
+    void reportMissed(Core::NodeBase&, Core::LossCause, std::uint64_t) override {}
+    void reportSent(Core::NodeBase&) override {}
+    void reportRecorded(Core::NodeBase&, std::uint64_t newFiles, std::uint64_t newBytes) override
+    {
+        ++records;
+        files += newFiles;
+        bytes += newBytes;
+    }
+};
+
+inline std::shared_ptr<Core::IError> error(const char* text, Core::ErrorList parents = {})
+{
+    return std::make_shared<Core::InvalidValueError>(text, std::move(parents), Utils::DateTime::now());
+}
+
+/// A picture whose bytes rise from 0.
+inline Core::Image image(Nivex::EPixelType pixelType, std::uint32_t width = 8, std::uint32_t height = 4,
+                         std::size_t padding = 0)
+{
+    Nivex::CNivexImage picture;
+    picture.Reset(pixelType, width, height, padding);
+    auto* bytes = static_cast<std::uint8_t*>(picture.GetBuffer());
+    for (std::size_t i = 0; i < picture.GetImageSize(); ++i)
+        bytes[i] = static_cast<std::uint8_t>(i);
+    return Core::Image(picture, nullptr, false);
+}
+
+/// Parameters by name, as texts.
+class Parameters
+{
+public:
+    explicit Parameters(DataWriter& node) : map_(node.getNodeMap("@Stagelet")) {}
+
+    void set(const char* name, const std::string& text) { value(name).FromString(text.c_str()); }
+    std::string get(const char* name) { return value(name).ToString().str(); }
+    GenApi::INode& node(const std::string& name)
+    {
+        GenApi::INode* found = map_.GetNode(name.c_str());
+        if (!found) throw std::runtime_error("no node " + name);
+        return *found;
+    }
+    template <typename Interface>
+    Interface& as(const char* name)
+    {
+        return dynamic_cast<Interface&>(node(name));
+    }
+    GenApi::IValue& value(const char* name) { return as<GenApi::IValue>(name); }
+
+private:
+    GenApi::CNodeMapRef map_;
+};
+
+inline void runUpdate(DataWriter& node, const Core::PinValues& values = {})
+{
+    node.startExecution([&](std::shared_ptr<Core::IGraphUpdate>&, Core::PinValues& target) { target = values; });
+}
+
+template <typename T>
+Core::PinValues onPin1(T value)
+{
+    return {{"Data1", Utils::Variant(std::move(value))}};
+}
+
+}  // namespace DataWriterTest

@@ -1,0 +1,229 @@
+// Image files from end to end: pictures of all kinds through a node into a folder, read back by the image library.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+
+#include "utility/imageformatconverter.h"
+#include "utility/niveximage.h"
+#include "utility/pixelformats.h"
+
+#include "../../framework/logcapture.h"
+#include "core/array.h"
+#include "core/integer.h"
+#include "datawritertest.h"
+
+namespace DataWriterTest {
+namespace {
+
+using Core::LossCause;
+using Nivex::EPixelType;
+
+class ImageFiles : public testing::Test
+{
+protected:
+    TemporaryFolder folder;
+    CountingHost host;
+    DataWriter node{nullptr};
+    Parameters parameters{node};
+    ScopedLogCapture log;
+
+    ImageFiles()
+    {
+        node.attachHost(&host);
+        parameters.set("OutputFolderName", folder.path().string());
+        parameters.set("SessionFolderName", "");
+    }
+    ~ImageFiles() override { node.stop(); }
+
+    void write(const char* mediaType, const Core::PinValues& values)
+    {
+        parameters.set("MediaType", mediaType);
+        node.start({});
+        runUpdate(node, values);
+        node.stop();
+    }
+    Nivex::CNivexImage load(const std::string& name) const
+    {
+        Nivex::CNivexImage picture;
+        picture.Load((folder.path() / name).c_str());
+        return picture;
+    }
+};
+
+/// The pixels of a picture as RGB of 8 or 16 bits, by the converter.
+std::vector<std::uint8_t> pixels(const Nivex::IImage& picture, bool isDeep = false)
+{
+    Nivex::CImageFormatConverter converter;
+    converter.OutputPixelFormat.SetValue(isDeep ? EPixelType::RGB16Packed : EPixelType::RGB8Packed);
+    Nivex::CNivexImage converted;
+    converter.Convert(converted, picture);
+    const auto* bytes = static_cast<const std::uint8_t*>(converted.GetBuffer());
+    return {bytes, bytes + converted.GetImageSize()};
+}
+
+TEST_F(ImageFiles, HoldThePicturesOfAllKindsOfSources)
+{
+    struct Case
+    {
+        EPixelType source;
+        std::size_t padding;
+        bool isDeep;  ///< Of more than 8 bits, which a format may keep.
+    };
+    const Case sources[] = {
+        {EPixelType::Mono8, 3, false},        {EPixelType::Mono12, 0, true},
+        {EPixelType::Mono12p, 0, true},       {EPixelType::Mono16, 2, true},
+        {EPixelType::BayerGR8, 0, false},     {EPixelType::BayerBG12p, 0, true},
+        {EPixelType::RGB8Packed, 1, false},   {EPixelType::BGR8Packed, 0, false},
+        {EPixelType::RGB16Packed, 0, true},   {EPixelType::RGB8Planar, 0, false},
+        {EPixelType::YUV422Packed, 0, false}, {EPixelType::YUV420Planar, 0, false},
+    };
+    struct Format
+    {
+        const char* mediaType;
+        const char* extension;
+        bool isDeep;
+    };
+    for (const Format& format : {Format{"BMP", ".bmp", false}, {"TIFF", ".tiff", true}, {"PNG", ".png", true}}) {
+        for (const Case& row : sources) {
+            SCOPED_TRACE(std::string(format.mediaType) + " of " + Nivex::GetPixelTypeName(row.source));
+            const Core::Image source = image(row.source, 8, 4, row.padding);
+            write(format.mediaType, onPin1(source));
+            const Nivex::CNivexImage written = load(std::string("Image_Record1_Data1") + format.extension);
+            EXPECT_EQ(written.GetWidth(), 8u);
+            EXPECT_EQ(written.GetHeight(), 4u);
+            const bool isDeep = format.isDeep && row.isDeep;
+            EXPECT_EQ(pixels(written, isDeep), pixels(source.getNivexImage(), isDeep));
+            EXPECT_EQ(Nivex::BitDepth(written.GetPixelType()), isDeep ? 16u : 8u);
+            EXPECT_EQ(Nivex::IsMonochrome(written.GetPixelType()), Nivex::IsMonochrome(row.source));
+        }
+    }
+    EXPECT_EQ(host.files, 3 * std::size(sources));
+    EXPECT_TRUE(host.lost.empty());
+    EXPECT_TRUE(log.messages().empty());
+}
+
+TEST_F(ImageFiles, AreJpegOrTheBareBuffer)
+{
+    const Core::Image flat = [] {
+        Nivex::CNivexImage picture;
+        picture.Reset(EPixelType::Mono8, 16, 16);
+        std::fill_n(static_cast<std::uint8_t*>(picture.GetBuffer()), picture.GetImageSize(), std::uint8_t{77});
+        return Core::Image(picture, nullptr, false);
+    }();
+    write("JPEG", onPin1(flat));
+    EXPECT_EQ(pixels(load("Image_Record1_Data1.jpg")), pixels(flat.getNivexImage()));
+    const auto jpegBytes = fs::file_size(folder.path() / "Image_Record1_Data1.jpg");
+    EXPECT_EQ(host.bytes, jpegBytes);
+
+    const Core::Image packed = image(EPixelType::BayerBG12p, 6, 3, 5);
+    write("RAW", onPin1(packed));
+    EXPECT_EQ(fs::file_size(folder.path() / "Image_Record1_Data1.raw"), packed.getImageSize());
+    EXPECT_EQ(host.bytes, jpegBytes + packed.getImageSize());
+    EXPECT_EQ(host.files, 2u);
+}
+
+TEST_F(ImageFiles, AreNamedByTheTemplate)
+{
+    const Core::Image picture = image(EPixelType::Mono8);
+    const Core::Array<Core::Image> pictures(std::vector<Core::Image>{picture, picture});
+    write("PNG", onPin1(pictures));
+    parameters.set("FileName", "a/b {SessionIndex}.{PinIndex}.{ArraySize}.{ArrayIndex}.{MediaWriterIndex}{Width}");
+    write("RAW", onPin1(pictures));
+    write("BMP", onPin1(picture));
+    EXPECT_EQ(folder.entries(), (std::set<std::string>{"Image_Record1_Data1_0.png", "Image_Record1_Data1_1.png",
+                                                       "a_b 2.1.2.0.1{Width}.raw", "a_b 2.1.2.1.1{Width}.raw",
+                                                       "a_b 3.1.0.0.1{Width}.bmp"}));
+}
+
+struct LossCase
+{
+    const char* name;
+    const char* mediaType;
+    const char* fileName;
+    Core::PinValues values;
+    LossCause cause;
+    std::size_t logLines;
+};
+
+TEST_F(ImageFiles, AreCountedWhenTheyDoNotComeAbout)
+{
+    const Core::Image grey = image(EPixelType::Mono8);
+    const Core::Image colour = image(EPixelType::RGB8Packed);
+    const std::string tooLong(300, 'n');
+    const std::vector<LossCase> cases = {
+        {"error", "PNG", "", onPin1(Core::Image(error("no image"))), LossCause::InvalidInput, 0},
+        {"empty image", "PNG", "", onPin1(Core::Image()), LossCause::InvalidInput, 0},
+        {"array in error", "PNG", "", onPin1(Core::Array<Core::Image>(error("no images"))),
+         LossCause::InvalidInput, 0},
+        {"number", "PNG", "", onPin1(Core::Integer(1)), LossCause::Unsupported, 0},
+        {"grey to DNG", "DNG", "", onPin1(grey), LossCause::Unsupported, 0},
+        {"no video yet", "MP4", "", onPin1(grey), LossCause::Unsupported, 1},
+        {"no text yet", "TXT", "", onPin1(grey), LossCause::Unsupported, 1},
+        {"dot", "PNG", ".", onPin1(grey), LossCause::FileNotWritten, 1},
+        {"dots", "PNG", "..", onPin1(grey), LossCause::FileNotWritten, 1},
+        {"no name", "PNG", "{ErrorMessage}", onPin1(grey), LossCause::FileNotWritten, 1},
+        {"long name", "PNG", tooLong.c_str(), onPin1(grey), LossCause::FileNotWritten, 1},
+        {"no conversion", "BMP", "", onPin1(image(static_cast<EPixelType>(0x8108FFF0))), LossCause::FileNotWritten,
+         1},
+    };
+    for (const LossCase& row : cases) {
+        SCOPED_TRACE(row.name);
+        host.lost.clear();
+        log.clear();
+        parameters.set("FileName", row.fileName);
+        write(row.mediaType, row.values);
+        EXPECT_EQ(host.lost, (std::map<LossCause, int>{{row.cause, 1}}));
+        EXPECT_EQ(log.messages("nivex.dataprocessing.stagelet.DataWriter").size(), row.logLines);
+    }
+    EXPECT_EQ(folder.entries(), std::set<std::string>());
+    EXPECT_EQ(host.records, 0u);
+}
+
+TEST_F(ImageFiles, AreWrittenBesidesThoseOfAnArrayThatCannotBe)
+{
+    const std::vector<Core::Image> pictures = {Core::Image(error("no image")), image(EPixelType::Mono8)};
+    write("PNG", onPin1(Core::Array<Core::Image>(pictures)));
+    EXPECT_EQ(folder.entries(), (std::set<std::string>{"Image_Record1_Data1_1.png"}));
+    EXPECT_EQ(host.lost, (std::map<LossCause, int>{{LossCause::InvalidInput, 1}}));
+    EXPECT_EQ(host.files, 1u);
+}
+
+/// No file of the process may become larger than the limit, as on a full disk.
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes) : handler_(signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit limit{bytes, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        signal(SIGXFSZ, handler_);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    rlimit before_{};
+    sighandler_t handler_;
+};
+
+TEST_F(ImageFiles, LeaveNothingBehindOnAFullDisk)
+{
+    {
+        const FileSizeLimit full(1000);
+        write("RAW", onPin1(image(EPixelType::Mono8, 100, 100)));
+    }
+    EXPECT_EQ(folder.entries(), std::set<std::string>());
+    EXPECT_EQ(host.lost, (std::map<LossCause, int>{{LossCause::FileNotWritten, 1}}));
+    ASSERT_EQ(log.messages().size(), 1u);
+    EXPECT_NE(log.messages()[0].find("Exception caught while writing media writer data."), std::string::npos);
+}
+
+}  // namespace
+}  // namespace DataWriterTest
