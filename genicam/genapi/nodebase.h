@@ -15,6 +15,7 @@ namespace GenApi {
 
 class CEnumerationNode;
 class CNodeMap;
+class CPortNode;
 class CStringBase;
 class ElementReader;
 class NodeBuilder;
@@ -86,6 +87,7 @@ public:
     /// Null unless a reference may take the node's number, or text.
     virtual INumber* AsNumber() { return nullptr; }
     virtual CStringBase* AsString() { return nullptr; }
+    virtual CPortNode* AsPort() { return nullptr; }
     /// The kind's value interface; null for Node and Port.
     virtual IValue* AsValue() { return nullptr; }
 

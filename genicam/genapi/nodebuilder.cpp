@@ -147,7 +147,7 @@ CEnumerationNode& ElementReader::Enumeration(Link link) const
 CPortNode& ElementReader::Port() const
 {
     CNodeBase& target = Node(Link::Parameter);
-    if (auto* port = dynamic_cast<CPortNode*>(&target)) return *port;
+    if (CPortNode* port = target.AsPort()) return *port;
     RefuseKind(target, "a Port");
 }
 
@@ -199,7 +199,7 @@ void NodeBuilder::Build()
         Refuse(*at->node, at->element, finding.cause);
     }
     for (const auto& node : map_.nodes_) {
-        if (auto* port = dynamic_cast<CPortNode*>(node.get())) port->SealRegisters();
+        if (CPortNode* port = node->AsPort()) port->SealRegisters();
         if (node->pollingTime_ >= 0) map_.polled_.push_back(node.get());
     }
     map_.reached_.reserve(2 * map_.nodes_.size());

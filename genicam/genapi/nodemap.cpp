@@ -29,7 +29,7 @@ CNodeMap::Operation::~Operation()
 {
     if (finished_) return;
     // The operation failed, and its own exception is on its way: one of a callback cannot be raised beside it.
-    const Calls calls = map_.Leave();
+    const Calls calls = map_.Leave(outerSteps_);
     if (calls.empty()) return;
     const auto keptAlive = map_.shared_from_this();
     callAll(calls);
@@ -38,7 +38,7 @@ CNodeMap::Operation::~Operation()
 void CNodeMap::Operation::Finish()
 {
     finished_ = true;
-    const Calls calls = map_.Leave();
+    const Calls calls = map_.Leave(outerSteps_);
     if (calls.empty()) return;
     const auto keptAlive = map_.shared_from_this();
     if (const std::exception_ptr failure = callAll(calls)) std::rethrow_exception(failure);
@@ -53,7 +53,7 @@ CNodeMap::CNodeMap(gcstring deviceName, CLock* lock, gcstring descriptionText)
 CNodeMap::~CNodeMap()
 {
     for (const auto& node : nodes_)
-        if (auto* port = dynamic_cast<CPortNode*>(node.get())) port->LetGo();
+        if (CPortNode* port = node->AsPort()) port->LetGo();
 }
 
 void CNodeMap::GetNodes(NodeList_t& nodes) const
@@ -145,7 +145,7 @@ void CNodeMap::CountStep(const CNodeBase& node) const
                       node.Name().c_str(), maxSteps);
 }
 
-void CNodeMap::Enter() const
+int CNodeMap::Enter() const
 {
     lock_.Lock();
     if (nesting_ == maxNesting) {
@@ -154,11 +154,13 @@ void CNodeMap::Enter() const
                       "Node map \"%s\": more than %d operations inside each other; a port uses its own nodes.",
                       deviceName_.c_str(), maxNesting);
     }
-    if (nesting_++ == 0) steps_ = 0;
+    ++nesting_;
+    return std::exchange(steps_, 0);
 }
 
-CNodeMap::Calls CNodeMap::Leave() const
+CNodeMap::Calls CNodeMap::Leave(int outerSteps) const
 {
+    steps_ = outerSteps;
     Calls calls;
     if (--nesting_ == 0 && !pendingCallbacks_.empty()) {
         for (CNodeBase* node : pendingCallbacks_) {

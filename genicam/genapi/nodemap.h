@@ -17,8 +17,8 @@ namespace GenApi {
 class CNodeMap : public INodeMap, public std::enable_shared_from_this<CNodeMap>
 {
 public:
-    /// Nodes and registers that one outermost operation may evaluate before it is given up. Descriptions can be
-    /// written whose evaluation doubles with each node; honest ones need a few hundred.
+    /// Nodes and registers that one operation, without those nested in it, may evaluate before it is given up.
+    /// Descriptions can be written whose evaluation doubles with each node; honest ones need a few hundred.
     static constexpr int maxSteps = 50000;
     /// Operations inside each other on one thread, by ports that use their own map.
     static constexpr int maxNesting = 16;
@@ -63,8 +63,9 @@ private:
 
     void Reach(CNodeBase& node, bool fromSources);
     void Spread(const Reached& reached);
-    void Enter() const;
-    Calls Leave() const;
+    /// Gives the count of steps of the operation around this one, which Leave puts back.
+    int Enter() const;
+    Calls Leave(int outerSteps) const;
 
     mutable CLock ownLock_;
     CLock& lock_;

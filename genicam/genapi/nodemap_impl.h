@@ -10,7 +10,7 @@ namespace GenApi {
 class CNodeMap::Operation
 {
 public:
-    explicit Operation(const CNodeMap& map) : map_(map) { map.Enter(); }
+    explicit Operation(const CNodeMap& map) : map_(map), outerSteps_(map.Enter()) {}
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
     ~Operation();
@@ -20,6 +20,7 @@ public:
 
 private:
     const CNodeMap& map_;
+    const int outerSteps_;
     bool finished_ = false;
 };
 

@@ -14,6 +14,7 @@ void CPortNode::Read(void* buffer, int64_t address, int64_t length)
 {
     Map().Operate([&] {
         RequireReadable();
+        CheckLength(length);
         Connected().Read(buffer, address, length);
     });
 }
@@ -22,6 +23,7 @@ void CPortNode::Write(const void* buffer, int64_t address, int64_t length)
 {
     Map().Operate([&] {
         RequireWritable();
+        CheckLength(length);
         WriteBytes({static_cast<const uint8_t*>(buffer), static_cast<std::size_t>(length)}, address);
     });
 }
@@ -57,6 +59,13 @@ void CPortNode::WriteBytes(std::span<const uint8_t> bytes, int64_t address)
         throw;
     }
     ForgetBytes(address, length);
+}
+
+void CPortNode::CheckLength(int64_t length) const
+{
+    if (length < 0)
+        GENICAM_THROW(InvalidArgumentException, "Port \"%s\": %lld bytes cannot be transferred.", Name().c_str(),
+                      static_cast<long long>(length));
 }
 
 IPort& CPortNode::Connected() const

@@ -36,6 +36,7 @@ public:
     /// All registers are added.
     void SealRegisters();
 
+    CPortNode* AsPort() override { return this; }
     bool TakeElement(ElementReader& element) override;
 
 protected:
@@ -51,6 +52,7 @@ private:
         RegisterAccess* reg;
     };
 
+    void CheckLength(int64_t length) const;
     IPort& Connected() const;
     void ForgetBytes(int64_t address, int64_t length);
     void Forget(RegisterAccess& reg, int64_t address, int64_t length);

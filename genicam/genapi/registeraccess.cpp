@@ -56,7 +56,7 @@ void RegisterAccess::TakeIndex(ElementReader& element)
     const std::string_view offsetNode = element.Attribute("pOffset");
     if (!offset.empty()) part.step.Set(element.IntegerOf(offset));
     if (!offsetNode.empty()) part.step.Refer(element.NumberOf(offsetNode, Link::Parameter));
-    parts_.push_back(std::move(part));
+    parts_.push_back(part);
 }
 
 void RegisterAccess::Finish(ElementReader& own, int64_t shortest, int64_t longest)

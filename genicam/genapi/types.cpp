@@ -8,20 +8,15 @@ namespace GenApi {
 
 namespace {
 
-constexpr unsigned implemented = 1, available = 2, readable = 4, writable = 8;
-constexpr std::array<unsigned, 5> flagsOfMode = {0, implemented, implemented | available | writable,
-                                                 implemented | available | readable,
-                                                 implemented | available | readable | writable};
+// Implemented, readable and writable are three flags that must hold on both sides; this is what is left of them.
+constexpr EAccessMode combined[5][5] = {
+    {NI, NI, NI, NI, NI}, {NI, NA, NA, NA, NA}, {NI, NA, WO, NA, WO}, {NI, NA, NA, RO, RO}, {NI, NA, WO, RO, RW}};
 
 }  // namespace
 
 EAccessMode Combine(EAccessMode first, EAccessMode second) noexcept
 {
-    const unsigned flags = flagsOfMode[first] & flagsOfMode[second];
-    if (!(flags & implemented)) return NI;
-    if (!(flags & (readable | writable))) return NA;
-    if (!(flags & readable)) return WO;
-    return flags & writable ? RW : RO;
+    return combined[first][second];
 }
 
 bool IsReadable(const IBase* node)

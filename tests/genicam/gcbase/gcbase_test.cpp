@@ -20,9 +20,8 @@ TEST(Exceptions, TellTextKindAndSource)
         EXPECT_STREQ(failure.GetDescription(), "Value 7 exceeds \"Max\".");
         EXPECT_STREQ(failure.GetSourceFileName(), "gcbase/gcbase_test");
         EXPECT_EQ(failure.GetSourceLine(), line);
-        EXPECT_NE(
-            std::string(failure.what()).find("OutOfRangeException thrown (file 'gcbase/gcbase_test', line "),
-            std::string::npos);
+        EXPECT_NE(std::string(failure.what()).find("OutOfRangeException thrown (file 'gcbase/gcbase_test', line "),
+                  std::string::npos);
         EXPECT_NE(dynamic_cast<const OutOfRangeException*>(&failure), nullptr);
     }
 }

@@ -9,15 +9,16 @@ namespace {
 
 TEST(AccessModes, CombineToWhatBothAllow)
 {
-    constexpr EAccessMode table[5][5] = {{NI, NI, NI, NI, NI},
-                                         {NI, NA, NA, NA, NA},
-                                         {NI, NA, WO, NA, WO},
-                                         {NI, NA, NA, RO, RO},
-                                         {NI, NA, WO, RO, RW}};
-    for (int a = NI; a <= RW; ++a)
-        for (int b = NI; b <= RW; ++b)
-            EXPECT_EQ(Combine(static_cast<EAccessMode>(a), static_cast<EAccessMode>(b)), table[a][b])
-                << a << " " << b;
+    for (int a = NI; a <= RW; ++a) {
+        for (int b = NI; b <= RW; ++b) {
+            const auto first = static_cast<EAccessMode>(a);
+            const auto second = static_cast<EAccessMode>(b);
+            const EAccessMode both = Combine(first, second);
+            EXPECT_EQ(IsImplemented(both), IsImplemented(first) && IsImplemented(second)) << a << " " << b;
+            EXPECT_EQ(IsReadable(both), IsReadable(first) && IsReadable(second)) << a << " " << b;
+            EXPECT_EQ(IsWritable(both), IsWritable(first) && IsWritable(second)) << a << " " << b;
+        }
+    }
     EXPECT_FALSE(IsImplemented(static_cast<const IBase*>(nullptr)));
     EXPECT_TRUE(IsImplemented(NA) && !IsAvailable(NA) && IsWritable(WO) && !IsReadable(WO) && IsReadable(RO));
 }
@@ -127,6 +128,8 @@ TEST(Ports, ServeDirectAccessAndReplay)
     char byte = 0;
     port.Read(&byte, 0, 1);
     EXPECT_EQ(byte, 9);
+    ExpectFailure<GenICam::InvalidArgumentException>([&] { port.Read(&byte, 0, -1); }, "-1 bytes");
+    ExpectFailure<GenICam::InvalidArgumentException>([&] { port.Write(&byte, 0, -1); }, "-1 bytes");
 }
 
 TEST(Ports, MayEndBeforeTheirMap)

@@ -151,9 +151,10 @@ TEST(HostileDescriptions, CannotMakeAnEvaluationExplode)
     std::string nodes;
     for (int i = 0; i < 100; ++i) {
         const std::string next = "N" + std::to_string(i + 1);
-        nodes += Node("Integer", "N" + std::to_string(i),
-                      "<pIsImplemented>" + next + "</pIsImplemented><pIsAvailable>" + next +
-                          "</pIsAvailable><pValue>" + next + "</pValue>");
+        std::string references;
+        for (const char* tag : {"pIsImplemented", "pIsAvailable", "pValue"})
+            references.append("<").append(tag).append(">").append(next).append("</").append(tag).append(">");
+        nodes += Node("Integer", "N" + std::to_string(i), references);
     }
     World world(nodes + Node("Integer", "N100", "<Value>1</Value>"));
     EXPECT_EQ(world.Integer("N95").GetValue(), 1);
