@@ -58,6 +58,7 @@ std::optional<std::uint64_t> parseCount(std::string_view text)
 std::string formatDuration(std::chrono::nanoseconds duration)
 {
     const double seconds = std::chrono::duration<double>(duration).count();
+    if (seconds < 0.9995e-3) return format(0, seconds * 1e6, "us");
     if (seconds < 0.9995) return format(0, seconds * 1e3, "ms");
     if (seconds < 59.95) return format(1, seconds, "s");
     const auto whole = std::llround(seconds);

@@ -15,7 +15,7 @@ std::optional<std::chrono::nanoseconds> parseDuration(std::string_view text);
 /// A decimal number without sign. Nothing for anything else, or beyond 64 bits.
 std::optional<std::uint64_t> parseCount(std::string_view text);
 
-/// As a person reads it: "850 ms", "12.3 s", "4 min 05 s", "2 h 07 min".
+/// As a person reads it: "7 us", "850 ms", "12.3 s", "4 min 05 s", "2 h 07 min".
 std::string formatDuration(std::chrono::nanoseconds duration);
 
 /// In binary units with three digits or more: "0 B", "1.50 KiB", "12.3 MiB", "1023 GiB".

@@ -1,0 +1,213 @@
+// A small package for the tests of loading packages and of running recipes. What is wrong with it is chosen when
+// it is compiled: FAKE_VERSION, FAKE_MANIFEST_BROKEN, FAKE_ENTRY_MISSING.
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <thread>
+
+#include "genapi/genapi.h"
+
+#include "core/advancednode.h"
+#include "core/inodemapcontainer.h"
+#include "core/string.h"
+#include "utils/log.h"
+
+using namespace Nivex::DataProcessing;
+
+namespace {
+
+constexpr const char* sourceMap = R"(<?xml version="1.0" encoding="utf-8"?>
+<RegisterDescription ModelName="Source" VendorName="Test" StandardNameSpace="None" SchemaMajorVersion="1"
+    SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0" SubMinorVersion="0"
+    ProductGuid="0" VersionGuid="0" xmlns="http://www.genicam.org/GenApi/Version_1_1">
+  <Category Name="Root"><pFeature>Count</pFeature><pFeature>Refuse</pFeature></Category>
+  <Integer Name="Count"><Value>3</Value><Min>0</Min><Max>100</Max></Integer>
+  <Integer Name="Refuse"><Value>0</Value><Min>0</Min><Max>1</Max></Integer>
+</RegisterDescription>)";
+constexpr const char* sinkMap = R"(<?xml version="1.0" encoding="utf-8"?>
+<RegisterDescription ModelName="Sink" VendorName="Test" StandardNameSpace="None" SchemaMajorVersion="1"
+    SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0" SubMinorVersion="0"
+    ProductGuid="0" VersionGuid="0" xmlns="http://www.genicam.org/GenApi/Version_1_1">
+  <Category Name="Root"><pFeature>Pins</pFeature><pFeature>Cause</pFeature></Category>
+  <Integer Name="Pins"><Value>1</Value><Min>1</Min><Max>9</Max></Integer>
+  <Integer Name="Cause"><Value>-1</Value><Min>-1</Min><Max>12</Max></Integer>
+</RegisterDescription>)";
+
+/// A node with the maps "@Stagelet" and, while its resources are allocated, "@Late", which are the same.
+class FakeNode : public Core::AdvancedNode, public Core::INodeMapContainer
+{
+public:
+    std::vector<Core::NodeMapInfo> getNodeMapInfos() override
+    {
+        return {{"Fake", "@Stagelet"}, {"Late", "@Late"}};
+    }
+    GenApi::CNodeMapRef getNodeMap(const GenICam::gcstring& identifier) override
+    {
+        return identifier == "@Stagelet" || isAllocated_ ? GenApi::CNodeMapRef(map_) : GenApi::CNodeMapRef();
+    }
+    void saveSettings(const std::shared_ptr<Core::ISettings>&) override {}
+
+protected:
+    FakeNode(const std::shared_ptr<Core::IResourcePool>& pool, const char* description) : AdvancedNode(pool)
+    {
+        map_ = GenApi::CNodeMapFactory(GenApi::ContentType_Xml, description, std::strlen(description))
+                   .CreateNodeMap("Device", true);
+    }
+    GenApi::IInteger& integer(const char* name) const
+    {
+        return dynamic_cast<GenApi::IInteger&>(*map_->GetNode(name));
+    }
+
+    void allocateAdditionalResources(const std::shared_ptr<Core::IResourcePool>& pool, bool mayRefresh) override
+    {
+        AdvancedNode::allocateAdditionalResources(pool, mayRefresh);
+        isAllocated_ = true;
+    }
+    void freeAdditionalResources(bool final) override
+    {
+        isAllocated_ = false;
+        AdvancedNode::freeAdditionalResources(final);
+    }
+
+    GenApi::NodeMapPtr map_;
+    bool isAllocated_ = false;
+};
+
+/// Gives out as many texts as "Count" says, or refuses to start.
+class Source : public FakeNode
+{
+public:
+    explicit Source(const std::shared_ptr<Core::IResourcePool>& pool) : FakeNode(pool, sourceMap)
+    {
+        createOutput("Text", "Text", Utils::TypeInfo::get<Core::String>());
+    }
+    ~Source() override { cleanup(); }
+
+    void loadSettings(const std::shared_ptr<Core::ISettings>& settings) override
+    {
+        integer("Count").SetValue(settings->openChild("images")->getSigned("count"));
+    }
+
+protected:
+    void onStarting(const Core::NodeArgumentCollection& arguments) override
+    {
+        if (integer("Refuse").GetValue() != 0) GENICAM_THROW(RuntimeException, "It was told to refuse.");
+        const bool isHalved = arguments.hasArgument("Half");
+        thread_ = std::thread([this, isHalved, count = integer("Count").GetValue()] {
+            for (std::int64_t i = 0; i < (isHalved ? count / 2 : count) && waitUntilSpaceAvailable(); ++i) {
+                const auto update = getUpdateFactory()->createUpdate(*this, nullptr, true);
+                if (!update) return;
+                Core::PinValues values;
+                values["Text"] = Utils::Variant(Core::String("text"));
+                createJob(update, std::move(values));
+            }
+        });
+    }
+    void onStopping() override
+    {
+        if (thread_.joinable()) thread_.join();
+    }
+
+private:
+    std::thread thread_;
+};
+
+/// Takes texts at as many inputs as "Pins" says, and loses each for the cause of that number, or else records it.
+class Sink : public FakeNode
+{
+public:
+    explicit Sink(const std::shared_ptr<Core::IResourcePool>& pool) : FakeNode(pool, sinkMap)
+    {
+        map_->GetNode("Pins")->RegisterCallback([this](GenApi::INode*) { makePins(); });
+        makePins();
+    }
+    ~Sink() override { cleanup(); }
+
+    bool isForwardingUpdates() const override { return true; }
+    void loadSettings(const std::shared_ptr<Core::ISettings>&) override {}
+
+protected:
+    void run(const std::shared_ptr<Core::IGraphUpdate>&, Core::PinValues&) override
+    {
+        const auto cause = integer("Cause").GetValue();
+        if (cause < 0) return reportRecorded(1, 10);
+        static const Utils::CatId category = Utils::getCatId("test.sink");
+        Utils::createLogEntry(Utils::SeverityFailure, category, "Sink %p: It was told to lose.",
+                              static_cast<void*>(this));
+        reportLoss(static_cast<Core::LossCause>(cause));
+    }
+
+private:
+    void makePins()
+    {
+        for (; pins_ < integer("Pins").GetValue(); ++pins_) {
+            const GenICam::gcstring name("In" + std::to_string(pins_ + 1));
+            createInputPin(name, name, Utils::TypeInfo::get<Core::String>(), false, 1);
+        }
+    }
+
+    std::int64_t pins_ = 0;
+};
+
+constexpr const char* manifest = R"({
+"Version": "1.0", "Vendor": "Test", "Copyright": "", "License": "",
+"Modules": [
+  { "Name": "Source", "Uuid": "00000000-0000-0000-0000-000000000001", "ObjectVersion": "1.0.0",
+    "MinRequiredSoftwareVersion": "1.0.0", "MinRequiredFileVersion": "1.0.0", "InterfaceType": "Native",
+    "DisplayName": "A source", "Tags": ["A=B"], "ShortDescription": "Short", "DetailedDescription": "",
+    "SupportedUuids": [], "HasDynamicInfo": "False" },
+  { "Name": "Sink", "Uuid": "00000000-0000-0000-0000-000000000002", "ObjectVersion": "1.0.0",
+    "MinRequiredSoftwareVersion": "1.0.0", "MinRequiredFileVersion": "1.0.0", "InterfaceType": "Native",
+    "DisplayName": "A sink", "Tags": [], "ShortDescription": "Short", "DetailedDescription": "",
+    "SupportedUuids": [], "HasDynamicInfo": "False" }
+])"
+#ifndef FAKE_MANIFEST_BROKEN
+                                 "}";
+#else
+                                 ", }";
+#endif
+
+}  // namespace
+
+#ifndef FAKE_VERSION
+#define FAKE_VERSION 2
+#endif
+#define FAKE_EXPORT extern "C" __attribute__((visibility("default")))
+
+FAKE_EXPORT int get_InterfaceVersion()
+{
+    return FAKE_VERSION;
+}
+
+FAKE_EXPORT char* create_StaticInfo()
+{
+    return strdup(manifest);
+}
+
+FAKE_EXPORT void destroy_Info(char** info)
+{
+    std::free(*info);
+    *info = nullptr;
+}
+
+FAKE_EXPORT Core::NodeBase* create_Source(const std::shared_ptr<Core::IResourcePool>& pool)
+{
+    return new Source(pool);
+}
+
+FAKE_EXPORT void destroy_Source(Core::NodeBase* node)
+{
+    delete node;
+}
+
+FAKE_EXPORT Core::NodeBase* create_Sink(const std::shared_ptr<Core::IResourcePool>& pool)
+{
+    return new Sink(pool);
+}
+
+#ifndef FAKE_ENTRY_MISSING
+FAKE_EXPORT void destroy_Sink(Core::NodeBase* node)
+{
+    delete node;
+}
+#endif

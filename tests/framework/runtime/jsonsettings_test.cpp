@@ -1,0 +1,118 @@
+#include "runtime/jsonsettings.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+
+#include "gcbase/exception.h"
+
+namespace Nivex::DataProcessing::Runtime {
+
+namespace {
+
+using Core::SettingsPath;
+using testing::HasSubstr;
+
+constexpr const char* text = R"({
+  "name": "x", "small": 5, "minus": -5, "ratio": 0.5, "on": true, "nothing": null,
+  "most": 18446744073709551615,
+  "list": [1, {"deep": 7}], "child": {"inner": {"key": "y"}}
+})";
+
+class JsonSettingsTest : public testing::Test
+{
+protected:
+    JsonSettings store{parseJson(text).root, "/recipes"};
+
+    void expectRefused(const std::function<void()>& access, const std::string& part)
+    {
+        try {
+            access();
+            ADD_FAILURE() << "not refused: " << part;
+        } catch (const GenICam::RuntimeException& e) {
+            EXPECT_THAT(e.GetDescription(), HasSubstr(part));
+        }
+    }
+};
+
+SettingsPath listItem(std::size_t index)
+{
+    return SettingsPath("list").addElement(index);
+}
+
+}  // namespace
+
+TEST_F(JsonSettingsTest, ReadsWhatIsThere)
+{
+    EXPECT_EQ(store.getString("name"), "x");
+    EXPECT_EQ(store.getSigned("small"), 5);
+    EXPECT_EQ(store.getSigned("minus"), -5);
+    EXPECT_EQ(store.getUnsigned("most"), std::numeric_limits<std::uint64_t>::max());
+    EXPECT_EQ(store.getDouble("ratio"), 0.5);
+    EXPECT_EQ(store.getDouble("small"), 5.0);
+    EXPECT_EQ(store.getDouble("minus"), -5.0);
+    EXPECT_TRUE(store.getBool("on"));
+    EXPECT_EQ(store.getSigned(listItem(1).addElement("deep")), 7);
+    EXPECT_EQ(store.openChild("child")->openChild("inner")->getString("key"), "y");
+    EXPECT_EQ(store.openChild("child")->getLocation(), "/recipes");
+    EXPECT_TRUE(store.hasKey(listItem(0)));
+    EXPECT_FALSE(store.hasKey(listItem(2)));
+    EXPECT_FALSE(store.hasKey("absent"));
+    EXPECT_FALSE(store.hasKey(SettingsPath("name").addElement("x")));
+    EXPECT_FALSE(JsonSettings().hasLocation());
+}
+
+// Nothing but an integer read as double is converted; the text names the whole path, the value and what is wanted.
+TEST_F(JsonSettingsTest, RefusalsNameThePathAndItsPlace)
+{
+    expectRefused([&] { store.getSigned("absent"); }, "\"absent\" is missing");
+    EXPECT_EQ(*store.getRefusalPosition(), (TextPosition{1, 1}));
+    expectRefused([&] { store.openChild("child")->openChild("inner")->getBool("no"); }, "\"child.inner.no\"");
+    EXPECT_EQ(*store.getRefusalPosition(), (TextPosition{4, 48}));
+    expectRefused([&] { store.getString(listItem(1).addElement("deep")); },
+                  "\"list[1].deep\" is 7; wanted is a text");
+    EXPECT_EQ(*store.getRefusalPosition(), (TextPosition{4, 24}));
+    expectRefused([&] { store.getSigned(listItem(9)); }, "\"list[9]\"");
+    expectRefused([&] { store.getUnsigned("minus"); }, "is -5; wanted is an integer from 0");
+    expectRefused([&] { store.getSigned("most"); }, "18446744073709551615");
+    expectRefused([&] { store.getSigned("ratio"); }, "is 0.5");
+    expectRefused([&] { store.getDouble("name"); }, "is \"x\"; wanted is a number");
+    expectRefused([&] { store.getBool("small"); }, "wanted is true or false");
+    expectRefused([&] { store.getString("nothing"); }, "is null");
+    expectRefused([&] { store.openChild("list"); }, "wanted is an object");
+}
+
+TEST_F(JsonSettingsTest, WritesInTheOrderOfSetting)
+{
+    JsonSettings fresh;
+    fresh.setString("b", "\xC3\xBC");
+    const auto child = fresh.createChild("a");
+    child->setUnsigned("most", std::numeric_limits<std::uint64_t>::max());
+    // The store grows while the child is in use.
+    for (int i = 0; i < 9; ++i)
+        fresh.setSigned(SettingsPath("list").addElement(static_cast<std::size_t>(i)), -i);
+    child->setDouble("ratio", 25);
+    child->setBool("on", false);
+    fresh.setSigned("b", -1);
+    EXPECT_EQ(
+        fresh.toText(),
+        "{\n    \"b\": -1,\n    \"a\": {\n        \"most\": 18446744073709551615,\n        \"ratio\": 25.0,\n"
+        "        \"on\": false\n    },\n    \"list\": [\n        0,\n        -1,\n        -2,\n        -3,\n"
+        "        -4,\n        -5,\n        -6,\n        -7,\n        -8\n    ]\n}\n");
+    EXPECT_EQ(fresh.createChild("a")->getBool("on"), false);
+}
+
+TEST_F(JsonSettingsTest, RefusesToWriteWhatJsonCannotHold)
+{
+    expectRefused([&] { store.setDouble("ratio", std::nan("")); }, "\"ratio\"");
+    expectRefused([&] { store.setString("name", "\xFF"); }, "no UTF-8");
+    expectRefused([&] { store.setSigned(listItem(3), 1); }, "\"list[3]\" cannot be made");
+    expectRefused([&] { store.setSigned(SettingsPath("name").addElement("x"), 1); }, "\"name.x\" cannot be made");
+    expectRefused([&] { store.setSigned("child", 1); }, "an object");
+    expectRefused([&] { store.createChild("name"); }, "wanted is an object");
+    EXPECT_THROW(JsonSettings(parseJson("[]").root), GenICam::InvalidArgumentException);
+}
+
+}  // namespace Nivex::DataProcessing::Runtime
