@@ -93,9 +93,10 @@ TEST(NodeMapFactory, LeavesOutStringsAndReleasesItsTextOnDemand)
 {
     std::string text = Description(gain);
     CNodeMapFactory factory(ContentType_Xml, text.data(), text.size(), CacheUsage_Ignore, true);
-    text.assign(text.size(), 'x');
+    const std::string original = std::exchange(text, std::string(text.size(), 'x'));
     const NodeMapPtr first = factory.CreateNodeMap("Cam", false);
     EXPECT_EQ(first->GetDeviceName(), "Cam");
+    EXPECT_EQ(first->GetDescriptionText(), original);
     EXPECT_EQ(first->GetNode("Gain")->GetToolTip(), "");
     EXPECT_EQ(first->GetNode("Gain")->GetDisplayName(), "Gain");
     CLock lock;
