@@ -23,7 +23,8 @@ if(CCACHE_PROGRAM)
     set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
 endif()
 
-set(STAGELET_SANITIZE "" CACHE STRING "Sanitizers: empty, 'address' (with undefined behaviour) or 'thread'")
+set(STAGELET_SANITIZE "" CACHE STRING
+    "Sanitizers: empty, 'address' (with undefined behaviour), 'thread', or 'fuzzer' (Clang: address and coverage)")
 
 add_library(stagelet_options INTERFACE)
 target_compile_options(stagelet_options INTERFACE
@@ -39,7 +40,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(stagelet_options INTERFACE -fno-gnu-unique)
 endif()
 target_compile_definitions(stagelet_options INTERFACE _GLIBCXX_ASSERTIONS)
-target_link_options(stagelet_options INTERFACE -Wl,-z,relro,-z,now -Wl,-z,defs)
+target_link_options(stagelet_options INTERFACE -Wl,-z,relro,-z,now)
+# Sanitizers leave symbols open that only the program brings.
+if(NOT STAGELET_SANITIZE)
+    target_link_options(stagelet_options INTERFACE -Wl,-z,defs)
+endif()
 
 if(STAGELET_SANITIZE STREQUAL "address")
     target_compile_options(stagelet_options INTERFACE
@@ -48,6 +53,10 @@ if(STAGELET_SANITIZE STREQUAL "address")
 elseif(STAGELET_SANITIZE STREQUAL "thread")
     target_compile_options(stagelet_options INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
     add_link_options(-fsanitize=thread)
+elseif(STAGELET_SANITIZE STREQUAL "fuzzer")
+    target_compile_options(stagelet_options INTERFACE -fsanitize=fuzzer-no-link,address,undefined
+        -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
 elseif(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
     target_compile_options(stagelet_options INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
 endif()
