@@ -1,0 +1,289 @@
+#include "imageformatconverter/imageformatconverter.h"
+
+#include <future>
+
+#include "genapi/genapi.h"
+
+#include "core/errors.h"
+#include "framework/logcapture.h"
+#include "support.h"
+
+namespace Plugin::NivexStageletPackageBase::Test {
+namespace {
+
+using ImagePtr = Utils::COWPtr<Core::Image>;
+constexpr auto mono8 = static_cast<unsigned int>(Nivex::EPixelType::Mono8);
+
+ImagePtr makeImage(Nivex::EPixelType type, std::uint32_t width, std::uint32_t height,
+                   const std::vector<std::uint8_t>& bytes, std::size_t padding = 0)
+{
+    Nivex::CNivexImage image;
+    image.CopyImage(bytes.data(), bytes.size(), type, width, height, padding, Nivex::EImageOrientation::TopDown);
+    return ImagePtr::make(image, nullptr, false);
+}
+
+class ImageFormatConverterTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        node.attachHost(&host);
+        node.attachOutputSink("Image", sink);
+    }
+
+    /// Runs one step with that input, or without any, and gives the output.
+    ImagePtr process(const Core::PinValues& input)
+    {
+        sink->values.clear();
+        node.startExecution(
+            [&](std::shared_ptr<Core::IGraphUpdate>&, Core::PinValues& values) { values = input; });
+        if (sink->values.size() != 1) throw std::runtime_error("not one output");
+        return sink->values[0].getCOWPtr<Core::Image>();
+    }
+    ImagePtr process(const ImagePtr& input)
+    {
+        return process(Core::PinValues{{gcstring("Image"), Utils::Variant(input)}});
+    }
+    std::vector<std::uint8_t> bytes(const ImagePtr& image)
+    {
+        const auto* data = static_cast<const std::uint8_t*>(image->getDataConst());
+        return {data, data + image->getImageSize()};
+    }
+    GenApi::CNodeMapRef map() { return node.getNodeMap("@Stagelet"); }
+
+    ScopedLogCapture log;
+    FakeHost host;
+    std::shared_ptr<KeepingSink> sink = std::make_shared<KeepingSink>();
+    ImageFormatConverter node{nullptr};
+};
+
+TEST_F(ImageFormatConverterTest, ForwardsAnImageThatFitsItself)
+{
+    node.setOutputPixelFormat(mono8);
+    node.setOutputPaddingX(2);
+    const ImagePtr fitting = makeImage(Nivex::EPixelType::Mono8, 2, 2, {1, 2, 0, 0, 3, 4, 0, 0}, 2);
+    EXPECT_TRUE(process(fitting) == fitting);
+    EXPECT_TRUE(host.losses.empty());
+
+    const ImagePtr unpadded = makeImage(Nivex::EPixelType::Mono8, 2, 2, {1, 2, 3, 4});
+    const ImagePtr converted = process(unpadded);
+    EXPECT_FALSE(converted == unpadded);
+    EXPECT_EQ(bytes(converted), (std::vector<std::uint8_t>{1, 2, 0, 0, 3, 4, 0, 0}));
+}
+
+TEST_F(ImageFormatConverterTest, ConvertsAsItsParametersAsk)
+{
+    node.setOutputPixelFormat(static_cast<unsigned int>(Nivex::EPixelType::BGR8Packed));
+    node.setOutputOrientationEnums(Nivex::OutputOrientationEnums::BottomUp);
+    const ImagePtr output = process(makeImage(Nivex::EPixelType::Mono8, 1, 2, {7, 9}));
+    EXPECT_EQ(output->getPixelType(), Nivex::EPixelType::BGR8Packed);
+    EXPECT_EQ(bytes(output), (std::vector<std::uint8_t>{9, 9, 9, 7, 7, 7}));
+
+    node.setOutputPixelFormat(mono8);
+    const ImagePtr sameFormat = makeImage(Nivex::EPixelType::Mono8, 1, 2, {7, 9});
+    EXPECT_EQ(bytes(process(sameFormat)), (std::vector<std::uint8_t>{9, 7})) << "inputs count as top-down";
+}
+
+TEST_F(ImageFormatConverterTest, AnErroneousInputGivesAnErroneousOutput)
+{
+    const auto cause = std::make_shared<Core::DeviceError>("lost", Utils::DateTime::now());
+    const ImagePtr output = process(ImagePtr::make(cause));
+    ASSERT_TRUE(output->hasError());
+    EXPECT_NE(dynamic_cast<Core::InvalidValueError*>(output->getError().get()), nullptr);
+    EXPECT_EQ(output->getError()->getDescription(), "Input image is invalid.");
+    EXPECT_EQ(output->getError()->getParentErrors(), Core::ErrorList{cause});
+    ASSERT_EQ(log.lines().size(), 1U);
+    EXPECT_EQ(log.lines()[0].severity, 4);
+    EXPECT_EQ(log.lines()[0].category, "nivex.dataprocessing.stagelet.ImageFormatConverter");
+    EXPECT_EQ(log.lines()[0].message,
+              GenICam::formatText("ImageFormatConverter %p: Input image has an error. Description: \"lost\"",
+                                  static_cast<void*>(&node)));
+    ASSERT_EQ(host.losses.size(), 1U);
+    EXPECT_EQ(host.losses[0].first, Core::LossCause::InvalidInput);
+}
+
+TEST_F(ImageFormatConverterTest, WhatCannotBeConvertedGivesAnErroneousOutput)
+{
+    const auto unknown = static_cast<Nivex::EPixelType>(0x81080001);
+    std::string message;
+    try {
+        Nivex::CNivexImage target;
+        const char pixel = 0;
+        Nivex::CImageFormatConverter().Convert(target, &pixel, 1, unknown, 1, 1, 0,
+                                               Nivex::EImageOrientation::TopDown);
+    } catch (const GenICam::GenericException& e) {
+        message = e.GetDescription();
+    }
+    const ImagePtr output = process(makeImage(unknown, 1, 1, {0}));
+    ASSERT_TRUE(output->hasError());
+    EXPECT_EQ(output->getError()->getDescription(), gcstring(message));
+    EXPECT_NE(message, "");
+    EXPECT_EQ(output->getError()->getParentErrors(), Core::ErrorList{nullptr});
+
+    EXPECT_TRUE(process(Core::PinValues())->hasError()) << "no input counts as an empty image";
+    ASSERT_EQ(host.losses.size(), 2U);
+    EXPECT_EQ(host.losses[0].first, Core::LossCause::ConversionFailed);
+    EXPECT_EQ(host.losses[1].first, Core::LossCause::ConversionFailed);
+    EXPECT_FALSE(process(makeImage(Nivex::EPixelType::Mono8, 1, 1, {0}))->hasError());
+}
+
+TEST_F(ImageFormatConverterTest, APropertyThatNeverHadAValueRaises)
+{
+    node.setAutoResetEnabled("Image", false);
+    EXPECT_EQ(refusalOf<GenICam::PropertyException>([&] { process(Core::PinValues()); }), "Property is resetted.");
+}
+
+TEST_F(ImageFormatConverterTest, ShowsItsParameters)
+{
+    EXPECT_FALSE(node.getNodeMap("Other").IsValid());
+    ASSERT_EQ(node.getNodeMapInfos().size(), 1U);
+    EXPECT_EQ(node.getNodeMapInfos()[0].GetName(), "Image Format Converter");
+    EXPECT_EQ(node.getNodeMapInfos()[0].GetIdentifier(), "@Stagelet");
+
+    GenApi::FeatureList_t features;
+    dynamic_cast<GenApi::ICategory&>(*map().GetNode("Root")).GetFeatures(features);
+    std::vector<gcstring> names;
+    for (GenApi::IValue* feature : features) {
+        names.push_back(dynamic_cast<GenApi::INode&>(*feature).GetName());
+        EXPECT_EQ(feature->GetAccessMode(), GenApi::RW) << names.back();
+        EXPECT_EQ(dynamic_cast<GenApi::INode&>(*feature).GetVisibility(), GenApi::Beginner) << names.back();
+    }
+    EXPECT_EQ(names, (std::vector<gcstring>{"OutputPixelFormat", "OutputBitAlignment", "OutputOrientation",
+                                            "OutputPaddingX", "MaxNumThreads"}));
+
+    auto& format = dynamic_cast<GenApi::IEnumeration&>(*map().GetNode("OutputPixelFormat"));
+    GenApi::NodeList_t entries;
+    format.GetEntries(entries);
+    EXPECT_EQ(entries.size(), 11U);
+    for (GenApi::INode* entry : entries) {
+        const auto value = dynamic_cast<GenApi::IEnumEntry&>(*entry).GetValue();
+        format.SetIntValue(value);
+        EXPECT_EQ(node.getOutputPixelFormat(), value);
+        EXPECT_EQ(dynamic_cast<GenApi::IEnumEntry&>(*entry).GetSymbolic(), format.ToString());
+        const auto known = Nivex::GetPixelTypeByName(format.ToString());
+        if (known != Nivex::EPixelType::Undefined) {
+            EXPECT_EQ(static_cast<std::int64_t>(known), value);
+        }
+    }
+    EXPECT_EQ(map().GetNode("EnumEntry_OutputPixelFormat_Mono8")->GetToolTip(),
+              "The output pixel format is set to Mono 8 Packed.");
+    EXPECT_EQ(map().GetNode("EnumEntry_OutputPixelFormat_YUV420Planar")->GetDescription(),
+              "The output pixel format is set ot YUV420 Planar.");
+    EXPECT_EQ(map().GetNode("EnumEntry_OutputPixelFormat_YUV422Planar")->GetToolTip(),
+              "The output pixel format is set to YUV422 Planar");
+
+    const auto integer = [&](const char* name) -> GenApi::IInteger& {
+        return dynamic_cast<GenApi::IInteger&>(*map().GetNode(name));
+    };
+    const Nivex::CImageFormatConverter converter;
+    EXPECT_EQ(integer("MaxNumThreads").GetValue(), 1);
+    EXPECT_EQ(integer("MaxNumThreads").GetMax(), converter.MaxNumThreads.GetMax());
+    EXPECT_EQ(integer("MaxNumThreads").GetRepresentation(), GenApi::PureNumber);
+    EXPECT_EQ(map().GetNode("MaxNumThreads")->GetToolTip(), converter.MaxNumThreads.GetTexts().toolTip);
+    EXPECT_EQ(integer("OutputPaddingX").GetMax(), 4294967295);
+    EXPECT_EQ(integer("OutputPaddingX").GetRepresentation(), GenApi::Linear);
+}
+
+TEST_F(ImageFormatConverterTest, ARefusedValueChangesNothing)
+{
+    int changes = 0;
+    node.getSettingsChangedSignal().connect([&] { ++changes; });
+    const unsigned int format = node.getOutputPixelFormat();
+    EXPECT_ANY_THROW(node.setOutputPixelFormat(0x01100003));
+    EXPECT_ANY_THROW(node.setOutputPaddingX(-1));
+    EXPECT_ANY_THROW(node.setMaxNumThreads(0));
+    EXPECT_ANY_THROW(node.setOutputOrientationEnums(static_cast<Nivex::OutputOrientationEnums>(3)));
+    EXPECT_EQ(node.getOutputPixelFormat(), format);
+    EXPECT_EQ(node.getOutputPaddingX(), 0);
+    EXPECT_EQ(node.getMaxNumThreads(), 1);
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(ImageFormatConverterTest, NotifiesWithoutItsLock)
+{
+    bool free = false;
+    node.getSettingsChangedSignal().connect([&] {
+        free = std::async(std::launch::async, [&] {
+                   const bool taken = node.getLock()->tryLock();
+                   if (taken) node.getLock()->unlock();
+                   return taken;
+               }).get();
+    });
+    node.setOutputPaddingX(4);
+    EXPECT_TRUE(free);
+    free = false;
+    node.loadSettings(std::make_shared<FakeSettings>());
+    EXPECT_TRUE(free);
+}
+
+TEST_F(ImageFormatConverterTest, SettingsComeBack)
+{
+    node.setOutputPixelFormat(static_cast<unsigned int>(Nivex::EPixelType::YUV420Planar));
+    node.setOutputBitAlignment(Nivex::OutputBitAlignmentEnums::LsbAligned);
+    node.setOutputOrientationEnums(Nivex::OutputOrientationEnums::TopDown);
+    node.setOutputPaddingX(4294967295);
+    node.setMaxNumThreads(3);
+    const auto store = std::make_shared<FakeSettings>();
+    node.saveSettings(store);
+    EXPECT_EQ(store->order, (std::vector<gcstring>{"OutputPixelFormat", "OutputOrientation", "OutputBitAlignment",
+                                                   "OutputPaddingX", "MaxNumThreads"}));
+    EXPECT_EQ(std::get<std::uint64_t>(store->values["OutputPixelFormat"]), 0x820C0040U);
+    EXPECT_EQ(std::get<gcstring>(store->values["OutputOrientation"]), "TopDown");
+    EXPECT_EQ(std::get<gcstring>(store->values["OutputBitAlignment"]), "LsbAligned");
+
+    ImageFormatConverter other(nullptr);
+    int changes = 0;
+    other.getSettingsChangedSignal().connect([&] { ++changes; });
+    other.loadSettings(store);
+    EXPECT_EQ(changes, 1);
+    const auto again = std::make_shared<FakeSettings>();
+    other.saveSettings(again);
+    EXPECT_EQ(again->values, store->values);
+
+    const auto part = std::make_shared<FakeSettings>();
+    part->values["OutputOrientation"] = gcstring("BottomUp");
+    other.loadSettings(part);
+    EXPECT_EQ(other.getOutputOrientationEnums(), Nivex::OutputOrientationEnums::BottomUp);
+    EXPECT_EQ(other.getOutputPixelFormat(), 0x820C0040U);
+    EXPECT_EQ(other.getMaxNumThreads(), 3);
+}
+
+TEST_F(ImageFormatConverterTest, RefusesBadSettings)
+{
+    struct Row
+    {
+        const char* key;
+        FakeSettings::Value value;
+        const char* refusal;
+    };
+    const Row rows[] = {
+        {"OutputOrientation", gcstring("topdown"), "Unknown symbolic name of output orientation found."},
+        {"OutputBitAlignment", gcstring("1"), "Unknown symbolic name of output bit alignment found."},
+        {"OutputPixelFormat", std::uint64_t{0x101080001}, "OutputPixelFormat: 0x101080001 is no pixel type."},
+    };
+    for (const Row& row : rows) {
+        const auto store = std::make_shared<FakeSettings>();
+        store->values[row.key] = row.value;
+        EXPECT_EQ(refusalOf<GenICam::InvalidArgumentException>([&] { node.loadSettings(store); }), row.refusal);
+    }
+    EXPECT_EQ(refusalOf<GenICam::InvalidArgumentException>([&] { node.loadSettings(nullptr); }),
+              "ptrSettings is a nullptr");
+    EXPECT_EQ(refusalOf<GenICam::InvalidArgumentException>([&] { node.saveSettings(nullptr); }),
+              "ptrSettings is a nullptr");
+    int changes = 0;
+    node.getSettingsChangedSignal().connect([&] { ++changes; });
+    node.start({});
+    const auto store = std::make_shared<FakeSettings>();
+    store->values["OutputPaddingX"] = std::int64_t{5};
+    EXPECT_EQ(refusalOf<GenICam::RuntimeException>([&] { node.loadSettings(store); }),
+              "Node must be in stopped state to deserialize.");
+    EXPECT_EQ(refusalOf<GenICam::RuntimeException>([&] { node.saveSettings(store); }),
+              "Node must be in stopped state to serialize.");
+    node.stop();
+    EXPECT_EQ(node.getOutputPaddingX(), 0);
+    EXPECT_TRUE(store->order.empty());
+    EXPECT_EQ(changes, 0);
+}
+
+}  // namespace
+}  // namespace Plugin::NivexStageletPackageBase::Test
