@@ -194,6 +194,7 @@ void startRecipe(LoadedRecipe& recipe, const RunOptions& options)
 Graph::Event execute(LoadedRecipe& recipe, const RunOptions& options, StopSignals& signals)
 {
     Graph& graph = *recipe.graph;
+    if (signals.hasCome()) return Graph::Event::StopRequested;
     startRecipe(recipe, options);
     const ProgressDisplay progress(graph);
     signals.onStop([&graph] { graph.requestStop(); });

@@ -1,0 +1,265 @@
+// Command lines and exit codes, with a package of fake nodes. Runs with real nodes are in tests/system.
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <condition_variable>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "commandline.h"
+#include "jsonbuild.h"
+#include "stopsignals.h"
+
+namespace Host {
+
+namespace {
+
+using testing::HasSubstr;
+
+constexpr const char* package = "--package=" STAGELET_FAKE_DIR "/libfakepackage_good.so";
+
+struct Outcome
+{
+    int code;
+    std::string out;
+    std::string err;
+};
+
+Outcome run(std::vector<std::string> arguments)
+{
+    std::ostringstream out;
+    testing::internal::CaptureStderr();
+    const int code = runProgram(std::move(arguments), out);
+    return {code, out.str(), testing::internal::GetCapturedStderr()};
+}
+
+bool isBlockedInMainThread(int signal)
+{
+    std::ifstream status("/proc/self/status");
+    const std::string text{std::istreambuf_iterator<char>(status), {}};
+    const auto mask = std::stoull(text.substr(text.find("SigBlk:\t") + 8, 16), nullptr, 16);
+    return ((mask >> (signal - 1)) & 1U) != 0;
+}
+
+class RunTest : public testing::Test
+{
+protected:
+    /// A source of `count` updates and a sink; runs it with these options.
+    Outcome runRecipe(int count, std::vector<std::string> options, const char* command = "run")
+    {
+        std::ofstream(file_) << R"({"Recipe": 1, "Nodes": [
+            {"Name": "Source", "Module": "Source", "Parameters": ["Count = )"
+                             << count << R"("]}, {"Name": "Sink", "Module": "Sink"}],
+            "Connections": ["Source.Text -> Sink.In1"]})";
+        options.insert(options.begin(), {command, file_.string(), package});
+        return run(options);
+    }
+    ~RunTest() override
+    {
+        std::filesystem::current_path(folder_);
+        std::filesystem::remove(file_);
+    }
+
+    const std::filesystem::path folder_ = std::filesystem::current_path();
+    const std::filesystem::path file_ =
+        std::filesystem::temp_directory_path() / ("stagelet_run_" + std::to_string(getpid()) + ".json");
+};
+
+}  // namespace
+
+TEST(CommandLine, FaultsAreToldWithACure)
+{
+    const struct
+    {
+        std::vector<std::string> arguments;
+        int code;
+        const char* what;
+        const char* advice;
+    } cases[] = {
+        {{}, 2, "wrong command line: stagelet: ", "try: stagelet --help"},
+        {{"rum"},
+         2,
+         "wrong command line: rum: There is no such command. Did you mean \"run\"?",
+         "try: stagelet --help"},
+        {{"run"}, 2, "RECIPE is required", "try: stagelet run --help"},
+        {{"run", "x", "--fro", "3s"}, 2, "--fro", "try: stagelet run --help"},
+        {{"run", "x", "--for", "3"}, 2, "wrong command line: --for: \"3\" is no duration.", "90s"},
+        {{"run", "x", "--until-idle=3"}, 2, "--until-idle: \"3\"", "90s"},
+        {{"run", "x", "--updates", "0"}, 2, "--updates: \"0\"", "from 1 to"},
+        {{"run", "x", "--max-drops", "-1"}, 2, "--max-drops: \"-1\"", "from 0 to"},
+        {{"run", "x", "--log-level", "8"}, 2, "--log-level: \"8\"", "from 0 to 7"},
+        {{"run", "x", "--stats", "xml"}, 2, "--stats: \"xml\"", "try: --stats json"},
+        {{"run", "x", "--set", "A=3"}, 2, "--set: \"A=3\"", "NODE.PARAM=VALUE"},
+        {{"run", "x", "--emulated-cameras", "1"}, 2, "no emulated cameras", "leave the option out"},
+        {{"params", "M", "--json", "--markdown"}, 2, "--markdown", "try: stagelet params --help"},
+        {{"params", "M", "--visibility", "guru"}, 2, "--visibility: \"guru\"", "Guru"},
+        {{"params", "Sorce", package},
+         2,
+         "unknown module: Sorce: No package has it. Did you mean \"Source\"?",
+         "modules"},
+        {{"run", "/nowhere/x.json", "--until-idle"}, 3, "recipe not read: /nowhere/x.json: ", "try: "},
+        {{"modules", "--package", "/nowhere/p.so"}, 4, "package not loaded: /nowhere/p.so: ", "--package FILE"},
+        {{"modules", package, package}, 4, "It has a module \"Source\", as has", "one of the two"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.arguments));
+        const Outcome outcome = run(c.arguments);
+        EXPECT_EQ(outcome.code, c.code);
+        EXPECT_EQ(outcome.out, "");
+        const auto end = outcome.err.find('\n');
+        EXPECT_THAT(outcome.err.substr(0, end), HasSubstr(c.what));
+        EXPECT_TRUE(outcome.err.substr(end + 1).starts_with("try: ")) << outcome.err;
+        EXPECT_THAT(outcome.err.substr(end + 1), HasSubstr(c.advice));
+    }
+}
+
+TEST(CommandLine, ResultsGoToStdoutOnly)
+{
+    const struct
+    {
+        std::vector<std::string> arguments;
+        const char* part;
+    } cases[] = {
+        {{"--help"}, "Exit codes:"},
+        {{"run", "--help"}, "--until-idle"},
+        {{"--version"}, "stagelet "},
+        {{"modules", package}, "Source  1.0.0    A source"},
+        {{"modules", "--json", package}, "\"display_name\": \"A sink\""},
+        {{"params", package}, "Refuse  Integer  0      0 to 1"},
+        {{"params", "Sink", "--markdown", package}, "| Pins | Integer | 1 | 1 to 9 |"},
+        {{"devices"}, "NAME"},
+        {{"devices", "--json"}, "\"devices\": []"},
+    };
+    for (const auto& c : cases) {
+        const Outcome outcome = run(c.arguments);
+        EXPECT_EQ(outcome.code, 0) << outcome.err;
+        EXPECT_THAT(outcome.out, HasSubstr(c.part));
+        EXPECT_EQ(outcome.err, "");
+    }
+    const Outcome described = run({"describe", "Sink", package});
+    EXPECT_TRUE(described.out.starts_with("<?xml")) << described.out;
+    EXPECT_TRUE(described.out.ends_with("</RegisterDescription>"));
+
+    std::ostringstream full;
+    full.setstate(std::ios::badbit);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(runProgram({"devices"}, full), 7);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("output not written: stdout"));
+}
+
+TEST_F(RunTest, ExitCodesTellWhatCameOfIt)
+{
+    const struct
+    {
+        const char* what;
+        int count;
+        std::vector<std::string> options;
+        int code;
+        const char* err;
+    } cases[] = {
+        {"ends at its updates", 50, {"--updates", "20"}, 0, "20 updates offered, 20 finished, 0 lost"},
+        {"ends when idle", 5, {"--until-idle=10ms"}, 0, "5 updates offered, 5 finished, 0 lost"},
+        {"ends after its time", 5, {"--for", "50ms"}, 0, "5 updates offered"},
+        {"its time passes before its updates", 5, {"--for", "50ms", "--updates", "6"}, 9, "timed out: "},
+        {"a node refuses", 5, {"--updates", "5", "--set", "Source.Refuse=1"}, 1, "It was told to refuse."},
+        {"a map never comes", 5, {"--updates", "5", "--set", "Source.@Lat/Count=1"}, 2, "@Late"},
+        {"a late map refuses", 5, {"--updates", "5", "--set", "Source.@Late/Count=-1"}, 1, "Allowed: 0 to 100"},
+        {"losses are reported only",
+         5,
+         {"--updates", "5", "--set=Sink.Cause=6"},
+         0,
+         "5 (5 conversion_failed) lost"},
+        {"as many as allowed", 5, {"--updates", "5", "--set=Sink.Cause=6", "--max-drops=5"}, 0, "lost"},
+        {"more than allowed", 5, {"--updates", "5", "--set=Sink.Cause=6", "--max-drops=4"}, 8, "allowed are 4"},
+        {"a rule loses nothing",
+         5,
+         {"--updates", "5", "--set=Sink.Cause=12", "--max-drops=0"},
+         0,
+         "refused_by_rule"},
+        {"files not written",
+         5,
+         {"--updates", "5", "--set=Sink.Cause=9", "--max-drops=0"},
+         7,
+         "output not written: "},
+        {"no session", 5, {"--updates", "5", "--set=Sink.Cause=8"}, 7, "output not written: "},
+        {"encoder failed", 5, {"--updates", "5", "--set=Sink.Cause=10"}, 7, "output not written: "},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const Outcome outcome = runRecipe(c.count, c.options);
+        EXPECT_EQ(outcome.code, c.code) << outcome.err;
+        EXPECT_THAT(outcome.err, HasSubstr(c.err));
+        EXPECT_EQ(outcome.out, "");
+    }
+}
+
+TEST_F(RunTest, StatisticsStandAloneOnStdoutAndRepeatsAreCounted)
+{
+    const Outcome outcome = runRecipe(5, {"--updates=5", "--stats", "json", "--set", "Sink.Cause=6"});
+    const auto document = Nivex::DataProcessing::Runtime::parseJson(outcome.out);
+    ASSERT_TRUE(document.root) << outcome.out;
+    const auto updates = document.root->as<JsonObject>()->find("updates");
+    EXPECT_EQ(updates->as<JsonObject>()->find("offered")->describe(), "5");
+    EXPECT_THAT(outcome.err, HasSubstr("It was told to lose.\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("log: 4 more like: Sink "));
+    EXPECT_EQ(runRecipe(5, {"--updates=5", "--log-level=3", "--set", "Sink.Cause=6"}).err.find("told to lose"),
+              std::string::npos);
+}
+
+TEST_F(RunTest, CheckTellsTheFaultsOfTheFile)
+{
+    EXPECT_THAT(runRecipe(5, {}, "check").out, HasSubstr(": in order, 2 nodes\n"));
+    const Outcome outcome = runRecipe(101, {}, "check");
+    EXPECT_EQ(outcome.code, 3);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_TRUE(outcome.err.starts_with(file_.string() + ":2:67: node \"Source\": ")) << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr("recipe invalid: " + file_.string() + ": 1 fault\ntry: "));
+}
+
+TEST_F(RunTest, ASignalEndsTheRunInOrder)
+{
+    for (const int number : {SIGINT, SIGTERM}) {
+        std::thread sender([number] {
+            sigset_t both;
+            sigemptyset(&both);
+            sigaddset(&both, SIGINT);
+            sigaddset(&both, SIGTERM);
+            pthread_sigmask(SIG_BLOCK, &both, nullptr);
+            // Before the run has taken the signal over, it would end the test.
+            while (!isBlockedInMainThread(number))
+                std::this_thread::yield();
+            kill(getpid(), number);
+        });
+        const Outcome outcome = runRecipe(5, {});
+        sender.join();
+        EXPECT_EQ(outcome.code, 0) << outcome.err;
+        EXPECT_THAT(outcome.err, HasSubstr("0 lost"));
+    }
+}
+
+TEST(StopSignals, FirstCallsSecondEnds)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            StopSignals signals;
+            std::mutex mutex;
+            std::condition_variable came;
+            bool hasCome = false;
+            signals.onStop([&] {
+                const std::lock_guard guard(mutex);
+                hasCome = true;
+                came.notify_all();
+            });
+            kill(getpid(), SIGTERM);
+            std::unique_lock lock(mutex);
+            came.wait(lock, [&] { return hasCome; });
+            kill(getpid(), SIGINT);
+            pause();
+        },
+        testing::ExitedWithCode(130), "");
+}
+
+}  // namespace Host
