@@ -1,0 +1,118 @@
+// ImageLoading with nothing behind it: how well it keeps its rate, and how fast the first image is out.
+// "ratio" is the rate to the one asked for, and the first image's time to that of loading the file alone.
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <filesystem>
+#include <future>
+#include <numeric>
+#include <vector>
+
+#include "utility/imagepersistence.h"
+#include "utility/niveximage.h"
+
+#include "core/string.h"
+#include "imageloading/imageloading.h"
+
+namespace {
+
+using namespace Plugin::NivexStageletPackageBase;
+namespace Core = Nivex::DataProcessing::Core;
+namespace Utils = Nivex::DataProcessing::Utils;
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+/// A folder with pictures of 640 x 480.
+struct Folder
+{
+    Folder() : path(fs::temp_directory_path() / "stagelet-imageloading-bench")
+    {
+        fs::create_directories(path);
+        std::vector<std::uint8_t> pixels(640 * 480);
+        std::iota(pixels.begin(), pixels.end(), std::uint8_t{0});
+        for (int i = 0; i < 10; ++i) {
+            Nivex::CImagePersistence::Save(Nivex::EImageFileFormat::Bmp, file(i), pixels.data(), pixels.size(),
+                                           Nivex::EPixelType::Mono8, 640, 480, 0,
+                                           Nivex::EImageOrientation::TopDown);
+        }
+    }
+    ~Folder() { fs::remove_all(path); }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+    std::string file(int index) const { return path / (std::to_string(index) + ".bmp"); }
+
+    fs::path path;
+};
+
+/// Tells when an image has come; the time of the first, and of the one with the given number.
+struct TimingSink : Core::IOutputSink
+{
+    explicit TimingSink(int lastImage) : last(lastImage) {}
+    void onOutput(const std::shared_ptr<Core::IGraphUpdate>&, const Utils::Variant&) override
+    {
+        if (++count == 1) first.set_value(Clock::now());
+        if (count == last) end.set_value(Clock::now());
+    }
+    int last;
+    int count = 0;
+    std::promise<Clock::time_point> first;
+    std::promise<Clock::time_point> end;
+};
+
+void rate(benchmark::State& state)
+{
+    const Folder folder;
+    constexpr int images = 501;
+    const auto framesPerSecond = static_cast<unsigned long>(state.range(0));
+    double seconds = 0;
+    for (auto _ : state) {
+        ImageLoading node(nullptr);
+        node.setSettings(folder.path.string(), SortBy::Ascending, 10, framesPerSecond, 1, true, true);
+        const auto sink = std::make_shared<TimingSink>(images);
+        node.attachOutputSink("Image", sink);
+        node.start({});
+        const Clock::time_point first = sink->first.get_future().get();
+        seconds += std::chrono::duration<double>(sink->end.get_future().get() - first).count();
+        node.stop();
+    }
+    const double achieved = static_cast<double>(images - 1) * static_cast<double>(state.iterations()) / seconds;
+    state.counters["images/s"] = achieved;
+    state.counters["ratio"] = achieved / static_cast<double>(framesPerSecond);
+    state.SetLabel("ratio to the rate asked for");
+}
+BENCHMARK(rate)->Name("imageloading/rate")->Arg(500)->Iterations(3)->Unit(benchmark::kMillisecond);
+
+void firstImage(benchmark::State& state)
+{
+    const Folder folder;
+    constexpr int loads = 50;
+    const Clock::time_point loading = Clock::now();
+    for (int i = 0; i < loads; ++i) {
+        Nivex::CNivexImage image;
+        image.Load(folder.file(0));
+    }
+    const double reference = std::chrono::duration<double>(Clock::now() - loading).count() / loads;
+
+    Core::NodeArgumentCollection arguments;
+    arguments.setArgument("AcquisitionMode", Utils::Variant(Core::String("SingleFrame")));
+    double seconds = 0;
+    for (auto _ : state) {
+        ImageLoading node(nullptr);
+        node.setSettings(folder.path.string(), SortBy::Ascending, 10, 500, 1, false, true);
+        const auto sink = std::make_shared<TimingSink>(2);
+        node.attachOutputSink("Image", sink);
+        const Clock::time_point start = Clock::now();
+        node.start(arguments);
+        const double spent = std::chrono::duration<double>(sink->first.get_future().get() - start).count();
+        state.SetIterationTime(spent);
+        seconds += spent;
+        node.stop();
+    }
+    state.counters["ratio"] = seconds / static_cast<double>(state.iterations()) / reference;
+    state.SetLabel("ratio to loading the file alone");
+}
+BENCHMARK(firstImage)->Name("imageloading/first_image")->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();
