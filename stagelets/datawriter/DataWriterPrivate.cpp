@@ -128,9 +128,10 @@ void DataWriterPrivate::createMediaWriters(TimeSnapshot& time)
 void DataWriterPrivate::evaluateRecordPeriod()
 {
     const std::uint64_t unit = millisecondsIn(settings->recordPeriodUnit);
-    timeBasedPeriod_ = settings->recordPeriod != 0 && unit != 0;
+    recordPeriod_ = settings->recordPeriod;
+    timeBasedPeriod_ = recordPeriod_ != 0 && unit != 0;
     nextRecordUpdate_ = 1;
-    if (timeBasedPeriod_ && sessionActive_) timer_.start(settings->recordPeriod * unit);
+    if (timeBasedPeriod_ && sessionActive_) timer_.start(recordPeriod_ * unit);
 }
 
 void DataWriterPrivate::endSession()
@@ -171,10 +172,10 @@ bool DataWriterPrivate::isRecordDue()
 
 bool DataWriterPrivate::hasPeriodHit()
 {
-    if (settings->recordPeriod == 0) return false;
+    if (recordPeriod_ == 0) return false;
     if (timeBasedPeriod_) return timer_.takeDue();
     if (indices_.updateIndex < nextRecordUpdate_) return false;
-    nextRecordUpdate_ += settings->recordPeriod;
+    nextRecordUpdate_ += recordPeriod_;
     return true;
 }
 

@@ -68,6 +68,7 @@ private:
     bool sessionActive_ = false;
     std::vector<std::shared_ptr<IMediaWriter>> mediaWriters_;  ///< As in the settings; entries may be null.
     WriterIndices indices_;
+    std::uint64_t recordPeriod_ = 1;  ///< As it was at the start of the session.
     bool timeBasedPeriod_ = false;
     std::uint64_t nextRecordUpdate_ = 1;
     RecordTimer timer_;

@@ -23,7 +23,7 @@ void formatStructuralText(const TextTokenTable& tokens, const char* templateText
 
 /// For the text sections of one value. Data tokens of a value with an error give "na", those that its type does
 /// not have are text. A null template writes nothing.
-/// @tparam T is one of the twelve value classes that valueprinters have a printer for (ValuePrinters.h).
+/// @tparam T is one of the twelve value classes that have a printer (ValuePrinters.h).
 template <typename T>
 void formatValueText(const TextTokenTable& tokens, const char* templateText, TimeSnapshot& time,
                      std::ostream& stream, const WriterIndices& indices, const T& value);

@@ -4,9 +4,11 @@
 
 #include <filesystem>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <set>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <variant>
@@ -140,6 +142,13 @@ public:
         bytes += newBytes;
     }
 };
+
+/// The words of a text.
+inline std::vector<std::string> words(const std::string& text)
+{
+    std::istringstream stream(text);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
 
 inline std::shared_ptr<Core::IError> error(const char* text, Core::ErrorList parents = {})
 {

@@ -72,12 +72,13 @@ TEST_F(ImageFiles, HoldThePicturesOfAllKindsOfSources)
         bool isDeep;  ///< Of more than 8 bits, which a format may keep.
     };
     const Case sources[] = {
-        {EPixelType::Mono8, 3, false},        {EPixelType::Mono12, 0, true},
-        {EPixelType::Mono12p, 0, true},       {EPixelType::Mono16, 2, true},
-        {EPixelType::BayerGR8, 0, false},     {EPixelType::BayerBG12p, 0, true},
-        {EPixelType::RGB8Packed, 1, false},   {EPixelType::BGR8Packed, 0, false},
-        {EPixelType::RGB16Packed, 0, true},   {EPixelType::RGB8Planar, 0, false},
-        {EPixelType::YUV422Packed, 0, false}, {EPixelType::YUV420Planar, 0, false},
+        {EPixelType::Mono4Packed, 0, false},  {EPixelType::Mono8, 3, false},
+        {EPixelType::Mono12, 0, true},        {EPixelType::Mono12p, 0, true},
+        {EPixelType::Mono16, 2, true},        {EPixelType::BayerGR8, 0, false},
+        {EPixelType::BayerBG12p, 0, true},    {EPixelType::RGB8Packed, 1, false},
+        {EPixelType::BGR8Packed, 0, false},   {EPixelType::RGB16Packed, 0, true},
+        {EPixelType::RGB8Planar, 0, false},   {EPixelType::YUV422Packed, 0, false},
+        {EPixelType::YUV420Planar, 0, false},
     };
     struct Format
     {

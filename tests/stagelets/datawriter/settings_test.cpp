@@ -44,37 +44,23 @@ TEST(DataWriterSettings, ComeBackFromAStoreInTheOrderOfRecipes)
     MemorySettings store;
     save(saved, store);
 
-    std::vector<std::string> expected = {"NumInputDataPins", "NumMediaWriters",      "RecordPeriod",
-                                         "RecordPeriodUnit", "OutputFolderName",     "SessionFolderName",
-                                         "RecordFolderName", "InputDataPinSelector", "MediaWriterSelector"};
+    std::vector<std::string> expected = words(
+        "NumInputDataPins NumMediaWriters RecordPeriod RecordPeriodUnit OutputFolderName SessionFolderName "
+        "RecordFolderName InputDataPinSelector MediaWriterSelector");
     for (const std::string pin : {"PinConfig0/", "PinConfig1/"}) {
-        for (const char* key : {"PinDescription",
-                                "WriteEnable",
-                                "RecordTriggerSelector",
-                                "RecordTriggerEnable_HasError",
-                                "RecordTriggerEnable_HasErrorRecursive",
-                                "RecordTriggerEnable_ArrayHasItems",
-                                "RecordTriggerEnable_DataPresent",
-                                "RecordTriggerEnable_BoolValue",
-                                "TextFormatSelector",
-                                "TextFormat_SessionBegin",
-                                "TextFormat_RecordBegin",
-                                "TextFormat_ArrayBegin",
-                                "TextFormat_DataBegin",
-                                "TextFormat_Data",
-                                "TextFormat_DataEnd",
-                                "TextFormat_ArrayEnd",
-                                "TextFormat_RecordEnd",
-                                "TextFormat_SessionEnd",
-                                "UseMediaWriterSelector",
-                                "UseMediaWriterEnable1",
-                                "UseMediaWriterEnable2",
-                                "UseMediaWriterEnable3"})
+        for (const std::string& key :
+             words("PinDescription WriteEnable RecordTriggerSelector RecordTriggerEnable_HasError "
+                   "RecordTriggerEnable_HasErrorRecursive RecordTriggerEnable_ArrayHasItems "
+                   "RecordTriggerEnable_DataPresent RecordTriggerEnable_BoolValue TextFormatSelector "
+                   "TextFormat_SessionBegin TextFormat_RecordBegin TextFormat_ArrayBegin TextFormat_DataBegin "
+                   "TextFormat_Data TextFormat_DataEnd TextFormat_ArrayEnd TextFormat_RecordEnd "
+                   "TextFormat_SessionEnd UseMediaWriterSelector UseMediaWriterEnable1 UseMediaWriterEnable2 "
+                   "UseMediaWriterEnable3"))
             expected.push_back(pin + key);
     }
     for (const std::string writer : {"MediaWriterSetting0/", "MediaWriterSetting1/", "MediaWriterSetting2/"}) {
-        for (const char* key : {"MediaWriterDescription", "MediaType", "FileScope", "FileMode", "Quality",
-                                "FileName", "PlayBackSpeed"})
+        for (const std::string& key :
+             words("MediaWriterDescription MediaType FileScope FileMode Quality FileName PlayBackSpeed"))
             expected.push_back(writer + key);
     }
     EXPECT_EQ(*store.order, expected);
@@ -142,35 +128,30 @@ TEST(DataWriterSettings, KeepWhatAStoreLeavesOutAndRefuseAMissingKey)
     EXPECT_TRUE(loaded == before);
 }
 
+void expectRefusal(const char* text, const std::function<void()>& access)
+{
+    try {
+        access();
+        ADD_FAILURE() << text;
+    } catch (const GenICam::RuntimeException& refusal) {
+        EXPECT_STREQ(refusal.GetDescription(), text);
+        EXPECT_STREQ(refusal.GetSourceFileName(), "datawriter/DataWriterSettings");
+    }
+}
+
 TEST(DataWriterSettings, RefuseSelectorsWithoutName)
 {
     InputPinSettings pin;
-    setTextFormat(pin, TextFormatSelector::TextFormat_SessionEnd, "end");
-    EXPECT_EQ(getTextFormat(pin, TextFormatSelector::TextFormat_SessionEnd), "end");
-    setRecordTriggerEnable(pin, RecordTriggerSelector::BoolValue, RecordTriggerEnable::OnInverted);
-    EXPECT_EQ(getRecordTriggerEnable(pin, RecordTriggerSelector::BoolValue), RecordTriggerEnable::OnInverted);
-    EXPECT_EQ(getRecordTriggerEnable(pin, RecordTriggerSelector::DataPresent), RecordTriggerEnable::Off);
-
-    for (const std::int32_t beyond : {9, -1}) {
-        try {
-            getTextFormat(pin, static_cast<TextFormatSelector>(beyond));
-            ADD_FAILURE();
-        } catch (const GenICam::RuntimeException& refusal) {
-            EXPECT_STREQ(refusal.GetDescription(), "Invalid TextFormatSelector setting.");
-            EXPECT_STREQ(refusal.GetSourceFileName(), "datawriter/DataWriterSettings");
-        }
-        EXPECT_THROW(setTextFormat(pin, static_cast<TextFormatSelector>(beyond), ""), GenICam::RuntimeException);
+    for (const auto beyond : {static_cast<TextFormatSelector>(9), static_cast<TextFormatSelector>(-1)}) {
+        expectRefusal("Invalid TextFormatSelector setting.", [&] { getTextFormat(pin, beyond); });
+        expectRefusal("Invalid TextFormatSelector setting.", [&] { setTextFormat(pin, beyond, ""); });
     }
-    for (const std::int32_t beyond : {5, -1}) {
-        const auto selector = static_cast<RecordTriggerSelector>(beyond);
-        EXPECT_THROW(setRecordTriggerEnable(pin, selector, RecordTriggerEnable::On), GenICam::RuntimeException);
-        try {
-            getRecordTriggerEnable(pin, selector);
-            ADD_FAILURE();
-        } catch (const GenICam::RuntimeException& refusal) {
-            EXPECT_STREQ(refusal.GetDescription(), "Invalid RecordTriggerSelector setting.");
-        }
+    for (const auto beyond : {static_cast<RecordTriggerSelector>(5), static_cast<RecordTriggerSelector>(-1)}) {
+        expectRefusal("Invalid RecordTriggerSelector setting.", [&] { getRecordTriggerEnable(pin, beyond); });
+        expectRefusal("Invalid RecordTriggerSelector setting.",
+                      [&] { setRecordTriggerEnable(pin, beyond, RecordTriggerEnable::On); });
     }
+    EXPECT_TRUE(pin == InputPinSettings());
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <time.h>
 
+#include <locale>
 #include <sstream>
 #include <stdexcept>
 
@@ -128,29 +129,11 @@ TEST(Templates, FormatNumbersAndTruthValues)
     EXPECT_EQ(longest.size(), 2 + 255u);
 }
 
-const std::vector<std::string> dataTokens = {"{Center_X}",
-                                             "{Center_Y}",
-                                             "{Radius}",
-                                             "{Radius1}",
-                                             "{Radius2}",
-                                             "{Rotation}",
-                                             "{RotationDeg}",
-                                             "{PointA_X}",
-                                             "{PointA_Y}",
-                                             "{PointB_X}",
-                                             "{PointB_Y}",
-                                             "{X}",
-                                             "{Y}",
-                                             "{Width}",
-                                             "{Height}",
-                                             "{ReferenceSize_Width}",
-                                             "{ReferenceSize_Height}",
-                                             "{BoundingBox_TopLeftX}",
-                                             "{BoundingBox_TopLeftY}",
-                                             "{BoundingBox_Width}",
-                                             "{BoundingBox_Height}",
-                                             "{PixelFormat}",
-                                             "{LinePadding}"};
+const std::vector<std::string> dataTokens = words(
+    "{Center_X} {Center_Y} {Radius} {Radius1} {Radius2} {Rotation} {RotationDeg} {PointA_X} {PointA_Y} "
+    "{PointB_X} {PointB_Y} {X} {Y} {Width} {Height} {ReferenceSize_Width} {ReferenceSize_Height} "
+    "{BoundingBox_TopLeftX} {BoundingBox_TopLeftY} {BoundingBox_Width} {BoundingBox_Height} {PixelFormat} "
+    "{LinePadding}");
 
 TEST(Templates, HaveNoValueInNames)
 {
@@ -170,83 +153,65 @@ struct ValueCase
     std::map<std::string, std::string> known;  ///< Data tokens of that type.
 };
 
+/// `known` is a list as in "{X}=1 {Y}=2".
 template <typename T>
-ValueCase valueCase(const char* name, T value, std::string byDefault,
-                    std::map<std::string, std::string> known = {})
+ValueCase valueCase(const char* name, T value, std::string byDefault, const std::string& known = "")
 {
-    return {name, [value](const std::string& text) { return ofValue(text, value); },
-            [](const std::string& text) { return ofValue(text, T(error("broken"))); }, std::move(byDefault),
-            std::move(known)};
+    ValueCase row{name,
+                  [value](const std::string& text) { return ofValue(text, value); },
+                  [](const std::string& text) { return ofValue(text, T(error("broken"))); },
+                  std::move(byDefault),
+                  {}};
+    for (const std::string& pair : words(known))
+        row.known[pair.substr(0, pair.find('='))] = pair.substr(pair.find('=') + 1);
+    return row;
 }
 
 std::vector<ValueCase> valueCases()
 {
     constexpr double pi = 3.141592653589793;
     const PointF center(1.5, -2);
-    const std::map<std::string, std::string> absentSize = {{"{ReferenceSize_Width}", "na"},
-                                                           {"{ReferenceSize_Height}", "na"}};
-    const std::map<std::string, std::string> absentBox = {{"{BoundingBox_TopLeftX}", "na"},
-                                                          {"{BoundingBox_TopLeftY}", "na"},
-                                                          {"{BoundingBox_Width}", "na"},
-                                                          {"{BoundingBox_Height}", "na"}};
-    std::map<std::string, std::string> absentAll = absentSize;
-    absentAll.insert(absentBox.begin(), absentBox.end());
-    std::map<std::string, std::string> sizeOnly = {{"{ReferenceSize_Width}", "640"},
-                                                   {"{ReferenceSize_Height}", "480"}};
-    sizeOnly.insert(absentBox.begin(), absentBox.end());
-    std::map<std::string, std::string> boxOnly = {{"{BoundingBox_TopLeftX}", "-1"},
-                                                  {"{BoundingBox_TopLeftY}", "2"},
-                                                  {"{BoundingBox_Width}", "3"},
-                                                  {"{BoundingBox_Height}", "4"}};
-    boxOnly.insert(absentSize.begin(), absentSize.end());
+    const auto unknownFormat = static_cast<Nivex::EPixelType>(0x8108FFF0);
+    const std::string size = "{ReferenceSize_Width}=640 {ReferenceSize_Height}=480 ";
+    const std::string noSize = "{ReferenceSize_Width}=na {ReferenceSize_Height}=na ";
+    const std::string box =
+        "{BoundingBox_TopLeftX}=-1 {BoundingBox_TopLeftY}=2 {BoundingBox_Width}=3 "
+        "{BoundingBox_Height}=4";
+    const std::string noBox =
+        "{BoundingBox_TopLeftX}=na {BoundingBox_TopLeftY}=na {BoundingBox_Width}=na "
+        "{BoundingBox_Height}=na";
+    const std::string noSizeDefault = "ReferenceSize.Width:na;ReferenceSize.Height:na;";
+    const std::string noBoxDefault =
+        "BoundingBox.Left:na;BoundingBox.Top:na;BoundingBox.Width:na;BoundingBox.Height:na";
     return {
         valueCase("Image", image(Nivex::EPixelType::Mono8, 8, 4, 2),
                   "Width=8;Height=4;PixelFormat=Mono8;LinePadding=2",
-                  {{"{Width}", "8"}, {"{Height}", "4"}, {"{PixelFormat}", "Mono8"}, {"{LinePadding}", "2"}}),
-        valueCase("Image of a packed Bayer format", image(Nivex::EPixelType::BayerBG12p, 8, 4),
+                  "{Width}=8 {Height}=4 {PixelFormat}=Mono8 {LinePadding}=2"),
+        valueCase("packed Image", image(Nivex::EPixelType::BayerBG12p, 8, 4),
                   "Width=8;Height=4;PixelFormat=BayerBG12p;LinePadding=0",
-                  {{"{Width}", "8"}, {"{Height}", "4"}, {"{PixelFormat}", "BayerBG12p"}, {"{LinePadding}", "0"}}),
-        valueCase("Image of an unknown format", image(static_cast<Nivex::EPixelType>(0x8108FFF0), 2, 1),
+                  "{Width}=8 {Height}=4 {PixelFormat}=BayerBG12p {LinePadding}=0"),
+        valueCase("Image of an unknown format", image(unknownFormat, 2, 1),
                   "Width=2;Height=1;PixelFormat=2164850672;LinePadding=0",
-                  {{"{Width}", "2"}, {"{Height}", "1"}, {"{PixelFormat}", "2164850672"}, {"{LinePadding}", "0"}}),
+                  "{Width}=2 {Height}=1 {PixelFormat}=2164850672 {LinePadding}=0"),
         valueCase("empty Image", Image(), "Width=0;Height=0;PixelFormat=InvalidPixelFormat;LinePadding=0",
-                  {{"{Width}", "0"},
-                   {"{Height}", "0"},
-                   {"{PixelFormat}", "InvalidPixelFormat"},
-                   {"{LinePadding}", "0"}}),
+                  "{Width}=0 {Height}=0 {PixelFormat}=InvalidPixelFormat {LinePadding}=0"),
         valueCase("EllipseF", EllipseF(center, 3, 4, pi),
                   "Radius1=3;Radius2=4;Rotation=3.14159;Center.X=1.5;Center.Y=-2",
-                  {{"{Radius1}", "3"},
-                   {"{Radius2}", "4"},
-                   {"{Rotation}", "3.14159"},
-                   {"{RotationDeg}", "180"},
-                   {"{Center_X}", "1.5"},
-                   {"{Center_Y}", "-2"}}),
+                  "{Radius1}=3 {Radius2}=4 {Rotation}=3.14159 {RotationDeg}=180 {Center_X}=1.5 {Center_Y}=-2"),
         valueCase("CircleF", CircleF(center, 3), "Radius=3;Center.X=1.5;Center.Y=-2",
-                  {{"{Radius}", "3"}, {"{Center_X}", "1.5"}, {"{Center_Y}", "-2"}}),
+                  "{Radius}=3 {Center_X}=1.5 {Center_Y}=-2"),
         valueCase("LineF", LineF(center, PointF(5, 6)), "A.X=1.5;A.Y=-2;B.X=5;B.Y=6",
-                  {{"{PointA_X}", "1.5"}, {"{PointA_Y}", "-2"}, {"{PointB_X}", "5"}, {"{PointB_Y}", "6"}}),
+                  "{PointA_X}=1.5 {PointA_Y}=-2 {PointB_X}=5 {PointB_Y}=6"),
         valueCase("RectangleF", RectangleF(center, 3, 4, pi),
                   "Width=3;Height=4;Center.X=1.5;Center.Y=-2;Rotation=3.14159",
-                  {{"{Width}", "3"},
-                   {"{Height}", "4"},
-                   {"{Center_X}", "1.5"},
-                   {"{Center_Y}", "-2"},
-                   {"{Rotation}", "3.14159"},
-                   {"{RotationDeg}", "180"}}),
-        valueCase("PointF", center, "X=1.5;Y=-2", {{"{X}", "1.5"}, {"{Y}", "-2"}}),
-        valueCase("Region", Region(),
-                  "ReferenceSize.Width:na;ReferenceSize.Height:na;BoundingBox.Left:na;BoundingBox.Top:na;"
-                  "BoundingBox.Width:na;BoundingBox.Height:na",
-                  absentAll),
+                  "{Width}=3 {Height}=4 {Center_X}=1.5 {Center_Y}=-2 {Rotation}=3.14159 {RotationDeg}=180"),
+        valueCase("PointF", center, "X=1.5;Y=-2", "{X}=1.5 {Y}=-2"),
+        valueCase("Region", Region(), noSizeDefault + noBoxDefault, noSize + noBox),
         valueCase("Region with size", Region({}, ReferenceSize{640, 480}),
-                  "ReferenceSize.Width=640;ReferenceSize.Height=480;BoundingBox.Left:na;BoundingBox.Top:na;"
-                  "BoundingBox.Width:na;BoundingBox.Height:na",
-                  sizeOnly),
+                  "ReferenceSize.Width=640;ReferenceSize.Height=480;" + noBoxDefault, size + noBox),
         valueCase("Region with box", Region(BoundingBox{-1, 2, 3, 4}),
-                  "ReferenceSize.Width:na;ReferenceSize.Height:na;BoundingBox.Left=-1;BoundingBox.Top=2;"
-                  "BoundingBox.Width=3;BoundingBox.Height=4",
-                  boxOnly),
+                  noSizeDefault + "BoundingBox.Left=-1;BoundingBox.Top=2;BoundingBox.Width=3;BoundingBox.Height=4",
+                  noSize + box),
         valueCase("TransformationData", TransformationData(3, 2, {1, 2, 3, 4, 5, 6.5}), "1;2;3\n4;5;6.5"),
         valueCase("TransformationData without rows", TransformationData(3, 0, {}), ""),
         valueCase("TransformationData without columns", TransformationData(0, 3, {}), "\n\n"),
@@ -357,6 +322,22 @@ TEST(TimeSnapshot, ShowsLocalTimeAndStaysOnceFilled)
     EXPECT_THAT(fields(early), testing::ElementsAre(1970, 1, 1, 1, 59, 59, 999));
     unsetenv("TZ");
     tzset();
+}
+
+/// Writes numbers with separators, as a host's global locale may.
+struct Grouping : std::numpunct<char>
+{
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+TEST(Names, DoNotDependOnTheHostsLocale)
+{
+    const std::locale before = std::locale::global(std::locale(std::locale::classic(), new Grouping));
+    TimeSnapshot time = someTime();
+    const std::string name = renderName(tokens, "{_Year_}", time, someIndices);
+    std::locale::global(before);
+    EXPECT_EQ(name, "2024");
 }
 
 TEST(Names, HoldNoSeparatorAndNameSomething)
