@@ -173,6 +173,7 @@ void reportNodeErrors(const Graph& graph)
                                    escapeControls(error->getDescription().view()));
         }
     }
+    getConsole().writeLine("try: stagelet run --log-level 7, to see more");
 }
 
 void startRecipe(LoadedRecipe& recipe, const RunOptions& options)
@@ -242,8 +243,10 @@ void checkRecipe(const RunOptions& options, std::ostream& out)
 
 ExitCode runRecipe(const RunOptions& options, std::ostream& out)
 {
-    // A reader of our output that goes away must not keep files from being closed.
+    // A reader of our output that goes away, or a limit on the size of files, fails the write and no more: the
+    // other files have to be closed.
     signal(SIGPIPE, SIG_IGN);  // NOLINT(cert-err33-c)
+    signal(SIGXFSZ, SIG_IGN);  // NOLINT(cert-err33-c)
     StopSignals signals;
     const LogToConsole log(options.logLevel);
     LoadedRecipe recipe = load(options);

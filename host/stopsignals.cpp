@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 #include "hosterror.h"
 
@@ -72,24 +73,23 @@ void StopSignals::watch()
 
 void StopSignals::handleSignal()
 {
-    const std::unique_lock lock(mutex_, std::try_to_lock);
-    // A lock that is taken means an action that still runs, or a caller that waits for one.
-    if (!lock || hasCome_) _exit(static_cast<int>(ExitCode::ForcedEnd));
-    hasCome_ = true;
-    if (action_) action_();
+    // Before the lock, which an action that hangs would hold.
+    if (hasCome_.exchange(true)) _exit(static_cast<int>(ExitCode::ForcedEnd));
+    const std::lock_guard guard(mutex_);
+    callAction();
 }
 
 void StopSignals::onStop(std::function<void()> action)
 {
     const std::lock_guard guard(mutex_);
     action_ = std::move(action);
-    if (hasCome_ && action_) action_();
+    if (hasCome_) callAction();
 }
 
-bool StopSignals::hasCome() const
+void StopSignals::callAction()
 {
-    const std::lock_guard guard(mutex_);
-    return hasCome_;
+    const auto action = std::exchange(action_, {});
+    if (action) action();
 }
 
 }  // namespace Host

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <mutex>
 #include <thread>
@@ -22,16 +23,17 @@ public:
     /// Called once, on a thread of this object, when the first signal comes; or here and now if it has come
     /// already. An empty function takes the former one out and waits for its end.
     void onStop(std::function<void()> action);
-    bool hasCome() const;
+    bool hasCome() const { return hasCome_; }
 
 private:
     void watch();
     void handleSignal();
+    void callAction();  // with mutex_ held
 
     int signals_ = -1;
     int wake_ = -1;
-    mutable std::mutex mutex_;  // guards hasCome_ and action_, and is held while the action runs
-    bool hasCome_ = false;
+    std::atomic<bool> hasCome_{false};
+    std::mutex mutex_;  // guards action_, and is held while it runs
     std::function<void()> action_;
     std::thread thread_;
 };
