@@ -11,35 +11,16 @@
 #include <thread>
 
 #include "core/advancednode.h"
-#include "core/bufferprovider.h"
 #include "core/integer.h"
 #include "core/simplenode.h"
 #include "runtime/graph.h"
+#include "runtime/resourcepool.h"
 #include "utils/property.h"
 
 namespace {
 
 using namespace Nivex::DataProcessing;
 using Core::Integer;
-
-class Pool : public Core::IResourcePool
-{
-public:
-    std::shared_ptr<Threading::ThreadPool> getThreadPool() override { return threads_; }
-    std::shared_ptr<Core::IBufferProvider> getBufferProvider() override { return buffers_; }
-    std::map<Core::ResourceInfo, std::shared_ptr<Core::IResource>> query(const Utils::TypeInfo&,
-                                                                         const Core::ResourceInfo&) override
-    {
-        return {};
-    }
-    void refresh(const Utils::TypeInfo&) override {}
-    Utils::ISignal<void()>& getResourcesChangedSignal() override { return changed_; }
-
-private:
-    std::shared_ptr<Threading::ThreadPool> threads_ = std::make_shared<Threading::ThreadPool>(2);
-    std::shared_ptr<Core::IBufferProvider> buffers_ = std::make_shared<Core::BufferProvider>();
-    Utils::Signal<void(), Utils::VoidCombiner> changed_;
-};
 
 /// Passes its input on.
 class EmptyNode : public Core::SimpleNode
@@ -123,7 +104,7 @@ double handOverNs()
 
 void runUpdates(benchmark::State& state, const std::vector<const char*>& nodes, const std::vector<Edge>& edges)
 {
-    Runtime::Graph graph(std::make_shared<Pool>());
+    Runtime::Graph graph(std::make_shared<Runtime::ResourcePool>(2));
     auto* source = new Source;
     const auto destroy = [](Core::NodeBase* node) { delete node; };
     graph.addNode("S", "Bench", Runtime::NodeHandle(source, destroy));

@@ -22,20 +22,6 @@ Utils::CatId graphCategory()
     return category;
 }
 
-/// The text of the exception that is being handled.
-std::string currentFailure()
-{
-    try {
-        throw;
-    } catch (const GenICam::GenericException& e) {
-        return e.GetDescription();
-    } catch (const std::exception& e) {
-        return e.what();
-    } catch (...) {
-        return "unknown exception";
-    }
-}
-
 template <typename Pin>
 const Pin* findPin(const std::vector<Pin>& pins, const std::string& name)
 {
@@ -219,7 +205,7 @@ void Graph::allocate()
             node->handle->allocateResources();
             done.push_back(node);
         } catch (...) {
-            const std::string failure = currentFailure();
+            const std::string failure = GenICam::describeCurrentException();
             for (auto allocatedNode = done.rbegin(); allocatedNode != done.rend(); ++allocatedNode) {
                 (*allocatedNode)->handle->freeResources();
             }
@@ -275,7 +261,7 @@ void Graph::start(const std::map<std::string, Core::NodeArgumentCollection>& arg
             node->handle->start(found == arguments.end() ? Core::NodeArgumentCollection() : found->second);
             started.insert(started.begin(), node);
         } catch (...) {
-            const std::string failure = currentFailure();
+            const std::string failure = GenICam::describeCurrentException();
             private_->stopNodes(started);
             GENICAM_THROW(RuntimeException, "%s: The node cannot be started: %s", node->name.c_str(),
                           failure.c_str());
@@ -291,7 +277,7 @@ void Graph::Private::stopNodes(const std::vector<Node*>& started)
         } catch (...) {
             Utils::createLogEntry(Utils::SeverityFailure, graphCategory(),
                                   "Graph: Exception caught while stopping node \"%s\". Message: %s",
-                                  node.name.c_str(), currentFailure().c_str());
+                                  node.name.c_str(), GenICam::describeCurrentException().c_str());
         }
     };
     scheduler->releaseSources();

@@ -334,20 +334,13 @@ void Scheduler::runStep(Lane& lane, Update& update, const NodeBase::JobBody& bod
     lane.current = &update;
     raise(lane.in);
     const auto start = std::chrono::steady_clock::now();
-    const auto fail = [&](const char* message) {
-        Utils::createLogEntry(Utils::SeverityFailure, graphCategory(),
-                              "Graph: Exception caught while node \"%s\" was executing. Message: %s",
-                              lane.name.c_str(), message);
-        countFailure(lane, LossCause::NodeFailed, &update);
-    };
     try {
         lane.node->startExecution(body);
-    } catch (const GenICam::GenericException& e) {
-        fail(e.GetDescription());
-    } catch (const std::exception& e) {
-        fail(e.what());
     } catch (...) {
-        fail("Unknown exception.");
+        Utils::createLogEntry(Utils::SeverityFailure, graphCategory(),
+                              "Graph: Exception caught while node \"%s\" was executing. Message: %s",
+                              lane.name.c_str(), GenICam::describeCurrentException().c_str());
+        countFailure(lane, LossCause::NodeFailed, &update);
     }
     const auto time = std::chrono::steady_clock::now() - start;
     lane.steps.record(static_cast<std::uint64_t>(std::chrono::nanoseconds(time).count()));

@@ -1,7 +1,6 @@
 #include "threading/threadpool.h"
 
 #include <algorithm>
-#include <exception>
 
 #include "gcbase/exception.h"
 
@@ -44,14 +43,10 @@ void runGuarded(const std::function<void()>& work)
 {
     try {
         work();
-    } catch (const GenICam::GenericException& e) {
-        createLogEntry(Utils::SeverityFailure, poolCategory(),
-                       "ThreadPool: Exception caught in a job. Message: %s", e.GetDescription());
-    } catch (const std::exception& e) {
-        createLogEntry(Utils::SeverityFailure, poolCategory(),
-                       "ThreadPool: Exception caught in a job. Message: %s", e.what());
     } catch (...) {
-        createLogEntry(Utils::SeverityFailure, poolCategory(), "ThreadPool: Unknown exception caught in a job.");
+        createLogEntry(Utils::SeverityFailure, poolCategory(),
+                       "ThreadPool: Exception caught in a job. Message: %s",
+                       GenICam::describeCurrentException().c_str());
     }
 }
 

@@ -6,10 +6,12 @@
 
 namespace GenICam {
 
-GenericException::GenericException(std::string description, const char* sourceFile, int sourceLine, const char* kind)
+GenericException::GenericException(std::string description, const char* sourceFile, int sourceLine,
+                                   const char* kind)
     : description_(std::move(description)), sourceFile_(sourceFile ? sourceFile : ""), sourceLine_(sourceLine)
 {
-    what_ = description_ + " : " + kind + " thrown (file '" + sourceFile_ + "', line " + std::to_string(sourceLine_) + ")";
+    what_ = description_ + " : " + kind + " thrown (file '" + sourceFile_ + "', line " +
+            std::to_string(sourceLine_) + ")";
 }
 
 GenericException::~GenericException() = default;
@@ -34,6 +36,19 @@ std::string sourceUnitName(const char* file)
     const std::size_t ending = path.rfind('.');
     if (ending != std::string_view::npos) path = path.substr(0, ending);
     return std::string(path);
+}
+
+std::string describeCurrentException()
+{
+    try {
+        throw;
+    } catch (const GenericException& e) {
+        return e.GetDescription();
+    } catch (const std::exception& e) {
+        return e.what();
+    } catch (...) {
+        return "unknown exception";
+    }
 }
 
 std::string formatText(const char* format, ...)

@@ -29,15 +29,14 @@ private:
     std::string what_;
 };
 
-#define GENICAM_EXCEPTION_CLASS(NAME)                                                          \
-    class GENICAM_API NAME : public GenericException                                           \
-    {                                                                                          \
-    public:                                                                                    \
-        NAME(std::string description, const char* sourceFile, int sourceLine)                  \
-            : GenericException(std::move(description), sourceFile, sourceLine, #NAME)          \
-        {                                                                                      \
-        }                                                                                      \
-        ~NAME() override;                                                                      \
+#define GENICAM_EXCEPTION_CLASS(NAME)                                                 \
+    class GENICAM_API NAME : public GenericException                                  \
+    {                                                                                 \
+    public:                                                                           \
+        NAME(std::string description, const char* sourceFile, int sourceLine)         \
+            : GenericException(std::move(description), sourceFile, sourceLine, #NAME) \
+        {}                                                                            \
+        ~NAME() override;                                                             \
     }
 
 GENICAM_EXCEPTION_CLASS(BadAllocException);         ///< An object could not be made.
@@ -55,6 +54,10 @@ GENICAM_EXCEPTION_CLASS(DynamicCastException);      ///< An object is not of the
 /// The path of a source file as failures name it: its last folder and its name without the ending.
 GENICAM_API std::string sourceUnitName(const char* file);
 
+/// The text, for a person, of the exception that is being handled: its description, `what()`, or "unknown
+/// exception". Only within a catch block.
+GENICAM_API std::string describeCurrentException();
+
 /// A printf-style text.
 GENICAM_API std::string formatText(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
@@ -62,6 +65,6 @@ GENICAM_API std::string formatText(const char* format, ...) __attribute__((forma
 
 /// Raises a failure of the family with a printf-style text, naming this source unit and line:
 /// `GENICAM_THROW(RuntimeException, "Could not open \"%s\".", path)`.
-#define GENICAM_THROW(TYPE, ...)                                                                    \
-    throw ::GenICam::TYPE(::GenICam::formatText(__VA_ARGS__),                                        \
-                          ::GenICam::sourceUnitName(__FILE__).c_str(), __LINE__)
+#define GENICAM_THROW(TYPE, ...)                                                                           \
+    throw ::GenICam::TYPE(::GenICam::formatText(__VA_ARGS__), ::GenICam::sourceUnitName(__FILE__).c_str(), \
+                          __LINE__)

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "core/advancednode.h"
-#include "core/bufferprovider.h"
 #include "core/integer.h"
 #include "core/simplenode.h"
 #include "runtime/graph.h"
+#include "runtime/resourcepool.h"
 #include "utils/property.h"
 
 namespace GraphTest {
@@ -20,26 +20,7 @@ using Core::Integer;
 using Core::LossCause;
 using Utils::Variant;
 
-/// A pool with a given number of threads.
-class Pool : public Core::IResourcePool
-{
-public:
-    explicit Pool(std::size_t threads) : threads_(std::make_shared<Threading::ThreadPool>(threads)) {}
-    std::shared_ptr<Threading::ThreadPool> getThreadPool() override { return threads_; }
-    std::shared_ptr<Core::IBufferProvider> getBufferProvider() override { return buffers_; }
-    std::map<Core::ResourceInfo, std::shared_ptr<Core::IResource>> query(const Utils::TypeInfo&,
-                                                                         const Core::ResourceInfo&) override
-    {
-        return {};
-    }
-    void refresh(const Utils::TypeInfo&) override {}
-    Utils::ISignal<void()>& getResourcesChangedSignal() override { return changed_; }
-
-private:
-    std::shared_ptr<Threading::ThreadPool> threads_;
-    std::shared_ptr<Core::IBufferProvider> buffers_ = std::make_shared<Core::BufferProvider>();
-    Utils::Signal<void(), Utils::VoidCombiner> changed_;
-};
+using Pool = Runtime::ResourcePool;
 
 using Events = std::vector<std::string>;
 using Names = std::vector<std::string>;
