@@ -5,10 +5,9 @@
 
 #include "gcbase/exception.h"
 
-#include "utility/niveximage.h"
-
 #include "core/errors.h"
 #include "imageformatconverter/imageformatconverter_parameters.h"
+#include "imageformatconverter/pooledimage.h"
 #include "parameteradapter/stageletnodemapbase.h"
 #include "threading/uniquelock.h"
 #include "utils/log.h"
@@ -161,11 +160,11 @@ void ImageFormatConverter::process()
 
 void ImageFormatConverter::convert(const Core::Image& source)
 {
-    Nivex::CNivexImage converted;
+    PooledImage converted(getBufferProvider());
     private_->converter.Convert(converted, source.getDataConst(), source.getImageSize(), source.getPixelType(),
                                 source.getWidth(), source.getHeight(), source.getLinePadding(),
                                 Nivex::EImageOrientation::TopDown);
-    output_.setValue(ImagePtr::make(converted, getBufferProvider(), false));
+    output_.setValue(ImagePtr::make(converted.getNivexImage(), getBufferProvider(), false));
 }
 
 void ImageFormatConverter::outputError(const gcstring& text, const Core::Image& input, Core::LossCause cause)

@@ -84,6 +84,40 @@ TEST_F(ImageFormatConverterTest, ConvertsAsItsParametersAsk)
     EXPECT_EQ(bytes(process(sameFormat)), (std::vector<std::uint8_t>{9, 7})) << "inputs count as top-down";
 }
 
+TEST_F(ImageFormatConverterTest, TakesItsMemoryFromTheRecipe)
+{
+    struct Pool : Core::IResourcePool, Core::IBufferProvider, std::enable_shared_from_this<Pool>
+    {
+        std::shared_ptr<Nivex::DataProcessing::Threading::ThreadPool> getThreadPool() override { return nullptr; }
+        std::shared_ptr<IBufferProvider> getBufferProvider() override { return shared_from_this(); }
+        std::map<Core::ResourceInfo, std::shared_ptr<Core::IResource>> query(const Utils::TypeInfo&,
+                                                                             const Core::ResourceInfo&) override
+        {
+            return {};
+        }
+        void refresh(const Utils::TypeInfo&) override {}
+        Utils::ISignal<void()>& getResourcesChangedSignal() override { return changed; }
+        std::shared_ptr<std::byte> getBuffer(std::size_t size) override
+        {
+            memory = std::shared_ptr<std::byte>(new std::byte[size], std::default_delete<std::byte[]>());
+            return memory;
+        }
+        Utils::Signal<void(), Utils::VoidCombiner> changed;
+        std::shared_ptr<std::byte> memory;
+    };
+    const auto pool = std::make_shared<Pool>();
+    ImageFormatConverter pooled(pool);
+    pooled.attachOutputSink("Image", sink);
+    pooled.startExecution([&](std::shared_ptr<Core::IGraphUpdate>&, Core::PinValues& values) {
+        values["Image"] = Utils::Variant(makeImage(Nivex::EPixelType::Mono8, 2, 1, {1, 2}));
+    });
+    const ImagePtr output = sink->values.at(0).getCOWPtr<Core::Image>();
+    EXPECT_EQ(output->getDataConst(), pool->memory.get());
+    EXPECT_EQ(bytes(output), (std::vector<std::uint8_t>{1, 1, 1, 255, 2, 2, 2, 255}));
+    const std::weak_ptr<std::byte> memory = std::exchange(pool->memory, nullptr);
+    EXPECT_FALSE(memory.expired());
+}
+
 TEST_F(ImageFormatConverterTest, AnErroneousInputGivesAnErroneousOutput)
 {
     const auto cause = std::make_shared<Core::DeviceError>("lost", Utils::DateTime::now());

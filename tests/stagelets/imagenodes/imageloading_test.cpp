@@ -188,19 +188,18 @@ TEST_F(ImageLoadingTest, ReachesSinksOutsideAGraph)
 {
     folder.addImages({"a.png"});
     node.attachHost(nullptr);
-    struct : Core::IOutputSink
+    struct Sink : Core::IOutputSink
     {
         void onOutput(const std::shared_ptr<Core::IGraphUpdate>&, const Utils::Variant& value) override
         {
             path.set_value(value.getValue<Core::String>().get());
         }
         std::promise<gcstring> path;
-    }* sink = nullptr;
-    using Sink = std::remove_pointer_t<decltype(sink)>;
-    const auto owned = std::make_shared<Sink>();
-    node.attachOutputSink("ImagePath", owned);
+    };
+    const auto sink = std::make_shared<Sink>();
+    node.attachOutputSink("ImagePath", sink);
     node.start(mode(Utils::Variant(Core::String("SingleFrame"))));
-    EXPECT_EQ(owned->path.get_future().get(), folder / "a.png");
+    EXPECT_EQ(sink->path.get_future().get(), folder / "a.png");
 }
 
 TEST_F(ImageLoadingTest, RefusesToStartWithoutImages)
