@@ -3,6 +3,8 @@
 #include <exception>
 #include <string>
 
+#include "gcbase/exception.h"
+
 namespace Host {
 
 /// What the command ends with. Where several hold for a run, the first of this list counts:
@@ -39,7 +41,6 @@ private:
     std::string advice_;
 };
 
-/// The text, for a person, of the exception that is being handled.
-std::string describeCurrentException();
+using GenICam::describeCurrentException;
 
 }  // namespace Host
