@@ -80,7 +80,7 @@ void convert(benchmark::State& state, EPixelType input, EPixelType output, Size 
     const double seconds = std::chrono::duration<double>(spent).count() / static_cast<double>(state.iterations());
     state.counters["MPix/s"] = static_cast<double>(size.width) * size.height / seconds / 1e6;
     state.counters["ratio"] = copySeconds / seconds;
-    state.SetLabel("ratio to memcpy");
+    state.SetLabel("to memcpy");
 }
 
 // Bayer orders take the same path: one of them stands for all.

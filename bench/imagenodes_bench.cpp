@@ -83,7 +83,7 @@ void rate(benchmark::State& state)
     const double achieved = static_cast<double>(images - 1) * static_cast<double>(state.iterations()) / seconds;
     state.counters["images/s"] = achieved;
     state.counters["ratio"] = achieved / static_cast<double>(framesPerSecond);
-    state.SetLabel("ratio to the rate asked for");
+    state.SetLabel("to the rate asked for");
 }
 BENCHMARK(rate)->Name("imageloading/rate")->Arg(500)->Iterations(3)->Unit(benchmark::kMillisecond);
 
@@ -114,7 +114,7 @@ void firstImage(benchmark::State& state)
         node.stop();
     }
     state.counters["ratio"] = seconds / static_cast<double>(state.iterations()) / reference;
-    state.SetLabel("ratio to loading the file alone");
+    state.SetLabel("to loading the file alone");
 }
 BENCHMARK(firstImage)->Name("imageloading/first_image")->UseManualTime()->Unit(benchmark::kMicrosecond);
 
@@ -157,7 +157,7 @@ void convert(benchmark::State& state)
     }
     const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
     state.counters["ratio"] = seconds / static_cast<double>(state.iterations()) / reference;
-    state.SetLabel("ratio to bare conversion");
+    state.SetLabel("to bare conversion");
 }
 BENCHMARK(convert)->Name("imageformatconverter/step_12MP_Mono8_to_BGRA8")->Unit(benchmark::kMillisecond);
 

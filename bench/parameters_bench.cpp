@@ -55,7 +55,7 @@ void readInteger(benchmark::State& state)
     auto& feature = mapped.find<GenApi::IInteger>("NumberOfRuns");
     const double direct = secondsOf([&] { benchmark::DoNotOptimize(mapped.node.getNumberOfRuns()); });
     measure(state, direct, [&] { benchmark::DoNotOptimize(feature.GetValue()); });
-    state.SetLabel("ratio to getter");
+    state.SetLabel("to getter");
 }
 BENCHMARK(readInteger)->Name("parameters/read_integer");
 
@@ -66,7 +66,7 @@ void writeInteger(benchmark::State& state)
     unsigned long value = 0;
     const double direct = secondsOf([&] { mapped.node.setNumberOfRuns(1 + (++value & 1)); });
     measure(state, direct, [&] { feature.SetValue(static_cast<std::int64_t>(1 + (++value & 1))); });
-    state.SetLabel("ratio to setter");
+    state.SetLabel("to setter");
 }
 BENCHMARK(writeInteger)->Name("parameters/write_integer_checked");
 
@@ -77,7 +77,7 @@ void writeIntegerUnchecked(benchmark::State& state)
     unsigned long value = 0;
     const double direct = secondsOf([&] { mapped.node.setNumberOfRuns(1 + (++value & 1)); });
     measure(state, direct, [&] { feature.SetValue(static_cast<std::int64_t>(1 + (++value & 1)), false); });
-    state.SetLabel("ratio to setter");
+    state.SetLabel("to setter");
 }
 BENCHMARK(writeIntegerUnchecked)->Name("parameters/write_integer_unchecked");
 
@@ -87,7 +87,7 @@ void readEnumeration(benchmark::State& state)
     auto& feature = mapped.find<GenApi::IEnumeration>("SortBy");
     const double direct = secondsOf([&] { benchmark::DoNotOptimize(mapped.node.getSortBy()); });
     measure(state, direct, [&] { benchmark::DoNotOptimize(feature.GetIntValue()); });
-    state.SetLabel("ratio to getter");
+    state.SetLabel("to getter");
 }
 BENCHMARK(readEnumeration)->Name("parameters/read_enumeration");
 
@@ -98,7 +98,7 @@ void writeEnumeration(benchmark::State& state)
     unsigned value = 0;
     const double direct = secondsOf([&] { mapped.node.setSortBy(static_cast<SortBy>(++value & 1)); });
     measure(state, direct, [&] { feature.SetIntValue(++value & 1); });
-    state.SetLabel("ratio to setter");
+    state.SetLabel("to setter");
 }
 BENCHMARK(writeEnumeration)->Name("parameters/write_enumeration_checked");
 
@@ -109,7 +109,7 @@ void readString(benchmark::State& state)
     auto& feature = mapped.find<GenApi::IString>("SourcePath");
     const double direct = secondsOf([&] { benchmark::DoNotOptimize(mapped.node.getSourcePath()); });
     measure(state, direct, [&] { benchmark::DoNotOptimize(feature.GetValue()); });
-    state.SetLabel("ratio to getter");
+    state.SetLabel("to getter");
 }
 BENCHMARK(readString)->Name("parameters/read_string_of_1024");
 
@@ -122,7 +122,7 @@ void writeString(benchmark::State& state)
     unsigned value = 0;
     const double direct = secondsOf([&] { mapped.node.setSourcePath(paths[++value & 1]); });
     measure(state, direct, [&] { feature.SetValue(paths[++value & 1]); });
-    state.SetLabel("ratio to setter");
+    state.SetLabel("to setter");
 }
 BENCHMARK(writeString)->Name("parameters/write_string_of_1024");
 
@@ -136,8 +136,7 @@ void makeNode(benchmark::State& state)
         benchmark::ClobberMemory();
     });
     measure(state, reference, [] { Node(nullptr).getNodeMap("@Stagelet"); });
-    state.counters["description_bytes"] = static_cast<double>(text.size());
-    state.SetLabel("ratio to copying the description");
+    state.SetLabel("to copying the description");
 }
 BENCHMARK(makeNode<ImageLoading>)->Name("parameters/make_ImageLoading");
 BENCHMARK(makeNode<ImageFormatConverter>)->Name("parameters/make_ImageFormatConverter");
