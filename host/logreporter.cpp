@@ -20,13 +20,29 @@ bool isHexDigit(char c)
     return std::isxdigit(static_cast<unsigned char>(c)) != 0;
 }
 
+/// Told from a closing quote by what stands around it, since a quoted message may quote in turn.
+bool isOpeningQuote(std::string_view message, std::size_t at)
+{
+    const bool isAfterWord = at != 0 && std::string_view(" ([").find(message[at - 1]) == std::string_view::npos;
+    return !isAfterWord && at + 1 < message.size() && message[at + 1] != ' ';
+}
+
+/// Where the quotation ends that begins at `at`; npos if it does not end.
+std::size_t findClosingQuote(std::string_view message, std::size_t at)
+{
+    int depth = 1;
+    while (depth > 0 && (at = message.find('"', at + 1)) != std::string_view::npos)
+        depth += isOpeningQuote(message, at) ? 1 : -1;
+    return at;
+}
+
 }  // namespace
 
 std::string reduceMessage(std::string_view message)
 {
     std::string result;
     for (std::size_t i = 0; i < message.size(); ++i) {
-        const auto closing = message[i] == '"' ? message.find('"', i + 1) : std::string_view::npos;
+        const auto closing = message[i] == '"' ? findClosingQuote(message, i) : std::string_view::npos;
         if (closing != std::string_view::npos) {
             i = closing;
         } else if (message.substr(i, 2) == "0x") {

@@ -91,6 +91,7 @@ TEST(LogReporter, ReducesMessagesToTheirCause)
     const std::pair<const char*, const char*> cases[] = {
         {"Node 0x7fA1: took 12.5 ms", "Node : took . ms"},
         {"\"a \" and \"b\"", " and "},
+        {"Bad: \"Could not load \"in/belt a.png\": it ends.\" (\"c\", \"\")", "Bad:  (, )"},
         {"an open \"quote 3", "an open \"quote "},
         {"0x", ""},
         {"", ""},
