@@ -10,11 +10,11 @@ namespace {
 class RunsTest : public StageletTest
 {
 protected:
-    /// Signals a recipe that runs for ever as soon as it has written so many files; -1: at once.
+    /// Signals a recipe that runs for ever as soon as it has written so many files.
     RunEnded interrupt(const json& recipe, int signal, int filesBefore) const
     {
         Program program(runCommand(writeRecipe(recipe.dump()), {}), folder / "logs");
-        EXPECT_TRUE(waitFor([&] { return static_cast<int>(listFiles(out()).size()) >= filesBefore; }));
+        EXPECT_TRUE(waitFor([&] { return countFiles(out()) >= filesBefore; }));
         program.send(signal);
         return end(std::move(program));
     }
@@ -170,7 +170,7 @@ TEST_F(RunsTest, SecondSignalEndsAtOnce)
     saveNumbered(5, 8);
     const json recipe = loadAndWrite({{"runContinuously", true}, {"framesPerSecond", 1}});
     Program program(runCommand(writeRecipe(recipe.dump()), {}), folder / "logs");
-    EXPECT_TRUE(waitFor([&] { return !listFiles(out()).empty(); }));
+    EXPECT_TRUE(waitFor([&] { return countFiles(out()) > 0; }));
     EXPECT_TRUE(waitFor([&] {
         program.send(SIGINT);
         return program.hasEnded();

@@ -60,22 +60,37 @@ inline CNivexImage loadImage(const fs::path& file)
     return image;
 }
 
-/// All regular files below a folder, as paths from there, in order.
+/// All regular files below a folder, as paths from there, in order. The folder may change meanwhile.
 inline std::vector<std::string> listFiles(const fs::path& folder)
 {
     std::vector<std::string> files;
-    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-        if (entry.is_regular_file()) files.push_back(fs::relative(entry.path(), folder).string());
+    std::error_code error;
+    for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        std::error_code gone;
+        if (entry->is_regular_file(gone)) files.push_back(entry->path().lexically_relative(folder).string());
     }
     std::sort(files.begin(), files.end());
     return files;
+}
+
+inline bool isTemporary(const std::string& file)
+{
+    return file.find(".tmp-") != std::string::npos;
+}
+
+/// Those that have their final names.
+inline int countFiles(const fs::path& folder)
+{
+    const auto files = listFiles(folder);
+    return static_cast<int>(std::count_if(files.begin(), files.end(), std::not_fn(isTemporary)));
 }
 
 /// No temporary file is left, and all others are pictures that can be read to their end.
 inline void expectWholePictures(const fs::path& folder)
 {
     for (const std::string& file : listFiles(folder)) {
-        EXPECT_EQ(file.find(".tmp-"), std::string::npos) << file;
+        EXPECT_FALSE(isTemporary(file)) << file;
         EXPECT_NO_THROW(loadImage(folder / file)) << file;
     }
 }
