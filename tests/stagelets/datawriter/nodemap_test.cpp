@@ -194,8 +194,9 @@ TEST_F(DataWriterParameters, BelongToWhatTheSelectorsName)
 TEST_F(DataWriterParameters, FollowTheCountsOfPinsAndWriters)
 {
     auto& selector = parameters.as<GenApi::IInteger>("InputDataPinSelector");
-    int changes = 0;
-    parameters.node("InputDataPinSelector").RegisterCallback([&](GenApi::INode*) { ++changes; });
+    // Shared: the map tells its end, too, and it outlives this body.
+    const auto changes = std::make_shared<int>(0);
+    parameters.node("InputDataPinSelector").RegisterCallback([changes](GenApi::INode*) { ++*changes; });
     int settingsChanges = 0;
     std::vector<std::string> pinsWhenTold;
     const auto connection = node.getSettingsChangedSignal().connect([&] {
@@ -204,7 +205,7 @@ TEST_F(DataWriterParameters, FollowTheCountsOfPinsAndWriters)
     });
     parameters.set("NumInputDataPins", "3");
     EXPECT_EQ(selector.GetMax(), 3);
-    EXPECT_GE(changes, 1);
+    EXPECT_GE(*changes, 1);
     EXPECT_EQ(settingsChanges, 1);
     EXPECT_THAT(pinsWhenTold, ElementsAre("Data1/Data1 Input", "Data2/Data2 Input", "Data3/Data3 Input"));
     selector.SetValue(3);
@@ -255,21 +256,22 @@ TEST_F(DataWriterParameters, ComeBackThroughTheSettings)
     const auto store = std::make_shared<MemorySettings>();
     other.saveSettings(store);
 
-    int changes = 0;
-    parameters.node("PinDescription").RegisterCallback([&](GenApi::INode*) { ++changes; });
+    // Shared: the map tells its end, too, and it outlives this body.
+    const auto changes = std::make_shared<int>(0);
+    parameters.node("PinDescription").RegisterCallback([changes](GenApi::INode*) { ++*changes; });
     EXPECT_EQ(parameters.get("PinDescription"), "");
     node.loadSettings(store);
-    EXPECT_GE(changes, 1);
+    EXPECT_GE(*changes, 1);
     EXPECT_EQ(parameters.get("PinDescription"), "third");
     EXPECT_EQ(parameters.as<GenApi::IInteger>("InputDataPinSelector").GetMax(), 3);
     EXPECT_EQ(parameters.as<GenApi::IInteger>("MediaWriterSelector").GetMax(), 2);
     EXPECT_EQ(pinNames().size(), 3u);
 
     // Without other limits too, clients have to read anew.
-    changes = 0;
+    *changes = 0;
     store->children.at("PinConfig2")->setSigned("TextFormatSelector", 9);
     node.loadSettings(store);
-    EXPECT_GE(changes, 1);
+    EXPECT_GE(*changes, 1);
     EXPECT_THROW(parameters.get("TextFormat"), GenICam::RuntimeException);
 }
 
