@@ -93,7 +93,7 @@ private:
         constexpr EPixelType types[] = {EPixelType::Mono8, EPixelType::RGB8Packed};
         const auto& [format, extension] = formats[pick(4)];
         const auto side = static_cast<std::uint32_t>(size);
-        const fs::path file = folder_ / (next() + extension);
+        fs::path file = folder_ / (next() + extension);
         CNivexImage image = solidImage(types[pick(2)], side, side, 0);
         for (std::size_t i = 0; i < image.GetImageSize(); ++i)
             static_cast<unsigned char*>(image.GetBuffer())[i] = static_cast<unsigned char>(random_());
