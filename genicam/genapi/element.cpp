@@ -1,5 +1,6 @@
 #include "genapi/element.h"
 
+#include <expat.h>
 #include <pugixml.hpp>
 
 #include <algorithm>
@@ -43,6 +44,20 @@ void joinText(pugi::xml_node element)
         if (!first) first = child;
     }
     if (first && whole.size() > std::string_view(first.value()).size()) first.set_value(whole.c_str());
+}
+
+/// Raises RuntimeException if the text is no well-formed XML. The tree's own parser lets much pass, such as
+/// unknown entities, attributes that stand twice, and bytes that are no UTF-8.
+void requireWellFormed(const void* data, std::size_t size)
+{
+    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(XML_ParserCreate(nullptr),
+                                                                              XML_ParserFree);
+    if (!parser) GENICAM_THROW(BadAllocException, "Not enough memory to read a register description.");
+    if (XML_Parse(parser.get(), static_cast<const char*>(data), static_cast<int>(size), XML_TRUE) == XML_STATUS_OK)
+        return;
+    GENICAM_THROW(RuntimeException, "Register description, line %lu: it is not well formed: %s.",
+                  static_cast<unsigned long>(XML_GetCurrentLineNumber(parser.get())),
+                  XML_ErrorString(XML_GetErrorCode(parser.get())));
 }
 
 std::vector<std::size_t> lineStarts(std::string_view text)
@@ -106,9 +121,6 @@ void Document::Impl::FindRoot()
         GENICAM_THROW(RuntimeException,
                       "Register description, line %d: the outermost element is <%s>, not <RegisterDescription>.",
                       LineOf(root), root.name());
-    if (const pugi::xml_node second = firstElement(root.next_sibling()))
-        GENICAM_THROW(RuntimeException, "Register description, line %d: <%s> follows the end of the description.",
-                      LineOf(second), second.name());
 }
 
 void Document::Impl::CheckVersion() const
@@ -147,6 +159,7 @@ Document::Document(const void* data, std::size_t size) : impl_(std::make_unique<
     if (size > maxSize)
         GENICAM_THROW(RuntimeException, "Register description: it has %zu bytes; at most %zu are supported.", size,
                       maxSize);
+    requireWellFormed(data, size);
     impl_->starts = lineStarts(std::string_view(static_cast<const char*>(data), size));
     const pugi::xml_parse_result result = impl_->document.load_buffer(data, size, pugi::parse_default);
     if (!result)
