@@ -10,11 +10,11 @@ namespace Nivex::DataProcessing::Core {
 class PinDescriptor
 {
 public:
-    PinDescriptor(GenICam::gcstring name, GenICam::gcstring displayName, Utils::TypeInfo type,
+    PinDescriptor(GenICam::gcstring name, GenICam::gcstring displayName, const Utils::TypeInfo& type,
                   bool allowsMultipleConnections, std::size_t maxConnections)
         : name_(std::move(name)),
           displayName_(std::move(displayName)),
-          type_(std::move(type)),
+          type_(type),
           allowsMultipleConnections_(allowsMultipleConnections),
           maxConnections_(maxConnections)
     {}

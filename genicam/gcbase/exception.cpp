@@ -55,15 +55,13 @@ std::string formatText(const char* format, ...)
 {
     std::va_list arguments;
     va_start(arguments, format);
-    std::va_list measured;
-    va_copy(measured, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, measured);
-    va_end(measured);
-    std::string text;
-    if (length > 0) {
-        text.resize(static_cast<std::size_t>(length));
-        std::vsnprintf(text.data(), text.size() + 1, format, arguments);
-    }
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    va_end(arguments);
+    if (length <= 0) return {};
+
+    std::string text(static_cast<std::size_t>(length), ' ');
+    va_start(arguments, format);
+    std::vsnprintf(text.data(), text.size() + 1, format, arguments);
     va_end(arguments);
     return text;
 }
