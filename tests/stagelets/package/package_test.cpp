@@ -194,7 +194,8 @@ TEST_F(PackageTest, ManifestKeepsItsForm)
 TEST_F(PackageTest, HelpPagesAreWellFormedFragments)
 {
     const std::set<std::string> allowed = {"h1", "h2", "h3", "p", "ul", "ol", "li", "strong", "i", "br"};
-    for (const Json& module : parseStrictly(manifest())["Modules"]) {
+    const Json whole = parseStrictly(manifest());
+    for (const Json& module : whole["Modules"]) {
         const std::string page = module["DetailedDescription"];
         SCOPED_TRACE(module["Name"].get<std::string>());
         EXPECT_EQ(page.rfind("<h1>" + module["DisplayName"].get<std::string>() + "</h1>\n", 0), 0U);
