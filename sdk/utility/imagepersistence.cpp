@@ -125,8 +125,13 @@ EPixelType conversionTarget(const ImageFileFormat& format, EPixelType pixelType)
 void convertFor(const ImageFileFormat& format, const PictureView& picture, std::size_t paddingX,
                 CNivexImage& converted)
 {
+    const EPixelType target = conversionTarget(format, picture.pixelType);
+    if (!format.takes(target)) {
+        Files::fail("a %s file holds Bayer and colour images, not grey ones such as %s", format.name,
+                    GetPixelTypeName(picture.pixelType));
+    }
     CImageFormatConverter converter;
-    converter.OutputPixelFormat.SetValue(conversionTarget(format, picture.pixelType));
+    converter.OutputPixelFormat.SetValue(target);
     converter.Convert(converted, picture.buffer, picture.size, picture.pixelType, picture.width, picture.height,
                       paddingX, picture.isBottomUp ? EImageOrientation::BottomUp : EImageOrientation::TopDown);
 }
@@ -145,7 +150,7 @@ bool CImagePersistence::CanSaveWithoutConversion(EImageFileFormat format, EPixel
                                                  EImageOrientation)
 {
     const ImageFileFormat& row = Files::imageFileFormat(format);
-    return row.write && row.takes(pixelType) && width <= row.maxDimension && height <= row.maxDimension &&
+    return row.takes(pixelType) && width <= row.maxDimension && height <= row.maxDimension &&
            ComputeImageSize(pixelType, width, height, paddingX);
 }
 
@@ -160,7 +165,6 @@ void CImagePersistence::Save(EImageFileFormat format, const GenICam::gcstring& p
     CNivexImage converted;
     nameFailures("save", path.str(), [&] {
         checkPath(path.str());
-        if (!row.write) Files::fail("%s files are not written yet by this version", row.name);
         if (width > row.maxDimension || height > row.maxDimension) {
             Files::fail("a %s file holds at most %u pixels each way, not %u x %u", row.name, row.maxDimension,
                         width, height);

@@ -35,8 +35,8 @@ public:
     static constexpr std::size_t maxLoadBytes = std::size_t{1} << 30;
 
     /// True if Save writes an image of this form without converting it. Padding and bottom-up rows never stand
-    /// in the way; the pixel type and, for JPEG above 65500 pixels, the size can. RAW takes every pixel type.
-    /// False for what is no form of an image, and for DNG, which this version does not write.
+    /// in the way; the pixel type and, for JPEG above 65500 pixels, the size can. RAW takes every pixel type,
+    /// DNG Bayer of every order and depth, RGB8Packed and RGB16Packed. False for what is no form of an image.
     static bool CanSaveWithoutConversion(EImageFileFormat format, EPixelType pixelType, std::uint32_t width,
                                          std::uint32_t height, std::size_t paddingX,
                                          EImageOrientation orientation);
@@ -47,12 +47,12 @@ public:
     ///
     /// An image whose pixel type the format cannot hold is converted first: grey to Mono16 or Mono8, all else to
     /// RGB16Packed, RGB8Packed or BGR8Packed, 16 bits only if the image has more than 8 and the format takes
-    /// them. RAW is the buffer as it stands, padding and row order included; other files hold the rows from the
-    /// top, without padding.
+    /// them; DNG holds no grey. RAW is the buffer as it stands, padding and row order included; other files hold
+    /// the rows from the top, without padding.
     ///
     /// Raises InvalidArgumentException for a format or quality out of range, no or too short a buffer, or what is
-    /// no form of an image; RuntimeException that names file and cause if it cannot be written, and then nothing
-    /// stays behind.
+    /// no form of an image; RuntimeException that names file and cause if it cannot be written, as a grey image
+    /// cannot to DNG, and then nothing stays behind.
     static void Save(EImageFileFormat format, const GenICam::gcstring& path, const void* buffer,
                      std::size_t bufferSize, EPixelType pixelType, std::uint32_t width, std::uint32_t height,
                      std::size_t paddingX, EImageOrientation orientation,
@@ -60,11 +60,11 @@ public:
     static void Save(EImageFileFormat format, const GenICam::gcstring& path, const IImage& image,
                      const CImagePersistenceOptions* options = nullptr);
 
-    /// Reads a BMP, JPEG, PNG or TIFF file, told by its content, not its ending. Gives Mono8, Mono16, RGB8Packed,
-    /// BGR8Packed, RGB16Packed, BGRA8Packed or RGBA8Packed, top-down, without padding. The image is reset to
-    /// that; it is empty after a failure.
-    /// Raises RuntimeException that names file and cause: not there or no regular file, larger than 2 GiB, of
-    /// another format, damaged or ending early, beyond the limits above.
+    /// Reads a BMP, JPEG, PNG or TIFF file, told by its content, not its ending. DNG files are TIFF files: colour
+    /// is read as it is stored, Bayer is refused. Gives Mono8, Mono16, RGB8Packed, BGR8Packed, RGB16Packed,
+    /// BGRA8Packed or RGBA8Packed, top-down, without padding. The image is reset to that; it is empty after a
+    /// failure. Raises RuntimeException that names file and cause: not there or no regular file, larger than 2
+    /// GiB, of another format, damaged or ending early, beyond the limits above.
     static void Load(const GenICam::gcstring& path, IReusableImage& image);
     static void LoadFromMemory(std::span<const std::byte> file, IReusableImage& image);
 

@@ -20,8 +20,9 @@ void readJpeg(ByteSource& source, IReusableImage& image);
 /// or a transparent colour RGBA8Packed. Alpha of grey and of 16-bit colour is dropped.
 void readPng(ByteSource& source, IReusableImage& image);
 /// The first picture of the file, turned as its orientation says. 1 to 8-bit grey gives Mono8, 16-bit grey Mono16,
-/// RGB RGB8Packed, RGBA8Packed or RGB16Packed (further samples are dropped), palettes and other colour spaces
-/// RGB8Packed. Samples that are no unsigned integers of 1, 2, 4, 8 or 16 bits are refused.
+/// RGB and linear raw colour RGB8Packed, RGBA8Packed or RGB16Packed (further samples are dropped), palettes and
+/// other colour spaces RGB8Packed. Refused are samples that are no unsigned integers of 1, 2, 4, 8 or 16 bits, and
+/// those behind a colour filter pattern.
 void readTiff(ByteSource& source, IReusableImage& image);
 
 // Writers take only pictures of the pixel types that the table of formats gives for them. They raise FormatError;
@@ -36,6 +37,10 @@ void writeJpeg(const PictureView& picture, int quality, OutputFile& file);
 void writePng(const PictureView& picture, int quality, OutputFile& file);
 /// Uncompressed, in strips of about 1 MiB; the large-file form where the small one ends at 4 GiB.
 void writeTiff(const PictureView& picture, int quality, OutputFile& file);
+/// DNG 1.4, uncompressed: Bayer as the sensor's samples in cells of 8 or 16 bits with their true white level,
+/// colour as linear raw samples. The camera's colours are taken to be linear sRGB. Refused where the file would
+/// pass 4 GiB.
+void writeDng(const PictureView& picture, int quality, OutputFile& file);
 /// The picture's bytes as they stand in memory, padding included.
 void writeRaw(const PictureView& picture, int quality, OutputFile& file);
 

@@ -27,6 +27,17 @@ constexpr EPixelType bmpTypes[] = {Mono8, BGR8Packed, BGRA8Packed};
 constexpr EPixelType tiffTypes[] = {Mono8, Mono16, RGB8Packed, RGB16Packed};
 constexpr EPixelType jpegTypes[] = {Mono8, RGB8Packed, BGR8Packed};
 constexpr EPixelType pngTypes[] = {Mono8, Mono16, RGB8Packed, RGB16Packed};
+constexpr EPixelType dngTypes[] = {
+    BayerGR8,        BayerRG8,        BayerGB8,        BayerBG8,         //
+    BayerGR10,       BayerRG10,       BayerGB10,       BayerBG10,        //
+    BayerGR10Packed, BayerRG10Packed, BayerGB10Packed, BayerBG10Packed,  //
+    BayerGR10p,      BayerRG10p,      BayerGB10p,      BayerBG10p,       //
+    BayerGR12,       BayerRG12,       BayerGB12,       BayerBG12,        //
+    BayerGR12Packed, BayerRG12Packed, BayerGB12Packed, BayerBG12Packed,  //
+    BayerGR12p,      BayerRG12p,      BayerGB12p,      BayerBG12p,       //
+    BayerGR16,       BayerRG16,       BayerGB16,       BayerBG16,        //
+    RGB8Packed,      RGB16Packed,
+};
 
 constexpr std::uint32_t signedLimit = 0x7FFFFFFF;
 constexpr std::uint32_t jpegLimit = 65500;  // Of the library; the format itself ends at 65535.
@@ -40,7 +51,7 @@ constexpr std::array<ImageFileFormat, 6> formats = {{
      jpegLimit},
     {EImageFileFormat::Png, "PNG", pngExtensions, pngSignatures, readPng, writePng, pngTypes, false, signedLimit},
     {EImageFileFormat::Raw, "RAW", {}, {}, nullptr, writeRaw, {}, true, noLimit},
-    {EImageFileFormat::Dng, "DNG", {}, {}, nullptr, nullptr, {}, false, noLimit},
+    {EImageFileFormat::Dng, "DNG", {}, {}, nullptr, writeDng, dngTypes, false, noLimit},
 }};
 
 }  // namespace

@@ -15,11 +15,11 @@ struct ImageFileFormat
     std::span<const char* const> extensions;  ///< Of loadable files: upper case, without dot.
     /// The beginnings by which files of this format are known.
     std::span<const std::string_view> signatures;
-    void (*read)(ByteSource& source, IReusableImage& image);                   ///< Null if not loadable.
-    void (*write)(const PictureView& picture, int quality, OutputFile& file);  ///< Null if not written.
-    std::span<const EPixelType> pixelTypes;                                    ///< What the writer takes.
-    bool takesAnyPixelType;                                                    ///< It takes all others too.
-    std::uint32_t maxDimension;                                                ///< Most pixels each way.
+    void (*read)(ByteSource& source, IReusableImage& image);  ///< Null if not loadable.
+    void (*write)(const PictureView& picture, int quality, OutputFile& file);
+    std::span<const EPixelType> pixelTypes;  ///< What the writer takes.
+    bool takesAnyPixelType;                  ///< It takes all others too.
+    std::uint32_t maxDimension;              ///< Most pixels each way.
 
     bool takes(EPixelType pixelType) const;
 };

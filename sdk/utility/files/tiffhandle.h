@@ -8,6 +8,9 @@ struct tiff;  // The TIFF library's own handle.
 
 namespace Nivex::Files {
 
+/// Of linear colour samples, as DNG files hold them; the library has no name for it.
+constexpr std::uint32_t photometricLinearRaw = 34892;
+
 class ByteSource;
 class OutputFile;
 

@@ -66,6 +66,11 @@ Form readForm(const TiffHandle& handle)
     if (form.orientation < ORIENTATION_TOPLEFT || form.orientation > ORIENTATION_LEFTBOT) {
         form.orientation = ORIENTATION_TOPLEFT;
     }
+    if (form.photometric == PHOTOMETRIC_CFA) {
+        fail(
+            "it holds samples behind a colour filter pattern, as DNG files of Bayer cameras do, and no picture "
+            "yet");
+    }
     const std::uint16_t sampleFormat = shortField(handle, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
     if (sampleFormat != SAMPLEFORMAT_UINT && sampleFormat != SAMPLEFORMAT_VOID) {
         fail("its samples are no unsigned integers (sample format %u)", sampleFormat);
@@ -78,7 +83,8 @@ EPixelType pixelTypeOf(const Form& form)
 {
     const bool isWhole = form.bits == 8 || form.bits == 16;
     const bool isFine = form.bits == 1 || form.bits == 2 || form.bits == 4;
-    const bool isRgb = form.photometric == PHOTOMETRIC_RGB && form.samples >= 3 && isWhole;
+    const bool isColor = form.photometric == PHOTOMETRIC_RGB || form.photometric == photometricLinearRaw;
+    const bool isRgb = isColor && form.samples >= 3 && isWhole;
     if (form.isGrey() && form.bits == 16) return EPixelType::Mono16;
     if (form.isGrey() && (isWhole || isFine)) return EPixelType::Mono8;
     if (form.isPalette() && form.samples == 1 && (form.bits == 8 || isFine)) return EPixelType::RGB8Packed;

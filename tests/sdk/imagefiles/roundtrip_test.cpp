@@ -167,7 +167,7 @@ TEST(CanSaveWithoutConversion, KnowsWhatIsNoImageAndWhatDoesNotFit)
     EXPECT_FALSE(can(Bmp, Mono8, 5, 0));
     EXPECT_TRUE(can(Jpeg, Mono8, 65500, 1));
     EXPECT_FALSE(can(Jpeg, Mono8, 1, 65501));
-    EXPECT_FALSE(can(Dng, BayerRG8, 5, 5));
+    EXPECT_FALSE(can(Dng, BGR8Packed, 5, 5));
     EXPECT_FALSE(can(Jpeg, Mono16, 5, 5));
     EXPECT_THROW(can(EImageFileFormat{6}, Mono8, 5, 5), GenICam::InvalidArgumentException);
 }
