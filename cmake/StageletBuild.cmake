@@ -76,7 +76,7 @@ function(stagelet_objects NAME)
 endfunction()
 
 # stagelet_library(NAME ROOT dir [OBJECTS lib...] [SOURCES file...] [PUBLIC lib...] [PRIVATE lib...])
-# One shared library of a layer; ROOT is the layer's include root.
+# One shared library of a layer; ROOT is the layer's include root. Other packages know it as Stagelet::NAME.
 function(stagelet_library NAME)
     cmake_parse_arguments(ARG "" "ROOT" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
     add_library(${NAME} SHARED ${ARG_SOURCES})
@@ -84,5 +84,19 @@ function(stagelet_library NAME)
         "$<BUILD_INTERFACE:${ARG_ROOT}>" "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/stagelet>")
     target_link_libraries(${NAME} PUBLIC ${ARG_PUBLIC} Threads::Threads
         PRIVATE $<BUILD_INTERFACE:stagelet_options> ${ARG_PRIVATE})
-    install(TARGETS ${NAME} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    add_library(Stagelet::${NAME} ALIAS ${NAME})
+    target_compile_features(${NAME} PUBLIC cxx_std_20)
+    install(TARGETS ${NAME} EXPORT StageletTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endfunction()
+
+# stagelet_install_headers(FOLDER [FILES name...])
+# The public headers of a folder below the current one: all of them (not those of folders in it), or those named.
+function(stagelet_install_headers FOLDER)
+    cmake_parse_arguments(ARG "" "" "FILES" ${ARGN})
+    if(ARG_FILES)
+        list(TRANSFORM ARG_FILES PREPEND ${FOLDER}/)
+    else()
+        file(GLOB ARG_FILES CONFIGURE_DEPENDS ${FOLDER}/*.h)
+    endif()
+    install(FILES ${ARG_FILES} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/stagelet/${FOLDER})
 endfunction()
