@@ -24,8 +24,8 @@ struct MediaWriterContext
     const std::vector<InputPinSettings>* pins;
 };
 
-/// Where writers account for data within writeData and endRecord. Every value that a writer gets is either
-/// recorded, lost, or lost through the exception that writeData ends with, which the node counts.
+/// Where writers account for data within writeData, endRecord and endSession. Every value that a writer gets is
+/// either recorded, lost, or lost through the exception that writeData ends with, which the node counts.
 class IWriterLedger
 {
 public:

@@ -1,6 +1,7 @@
 #include "datawriter/MediaWriterFactory.h"
 
 #include "datawriter/ImageMediaWriter.h"
+#include "datawriter/TextMediaWriter.h"
 #include "datawriter/UnavailableMediaWriter.h"
 
 namespace Plugin::NivexStageletPackageBase {
@@ -18,7 +19,7 @@ std::shared_ptr<IMediaWriter> createMediaWriter(MediaType type, IWriterLedger& l
         case MediaType::DNG:
             return std::make_shared<ImageMediaWriter>(ledger);
         case MediaType::TXT:
-            return std::make_shared<UnavailableMediaWriter>("text files", ledger);
+            return std::make_shared<TextMediaWriter>(ledger);
     }
     return nullptr;
 }

@@ -1,7 +1,5 @@
 // Image files from end to end: pictures of all kinds through a node into a folder, read back by the image library.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/resource.h>
 
 #include <algorithm>
 
@@ -161,7 +159,6 @@ TEST_F(ImageFiles, AreCountedWhenTheyDoNotComeAbout)
         {"number", "PNG", "", onPin1(Core::Integer(1)), LossCause::Unsupported, 0},
         {"grey to DNG", "DNG", "", onPin1(grey), LossCause::Unsupported, 0},
         {"no video yet", "MP4", "", onPin1(grey), LossCause::Unsupported, 1},
-        {"no text yet", "TXT", "", onPin1(grey), LossCause::Unsupported, 1},
         {"dot", "PNG", ".", onPin1(grey), LossCause::FileNotWritten, 1},
         {"dots", "PNG", "..", onPin1(grey), LossCause::FileNotWritten, 1},
         {"no name", "PNG", "{ErrorMessage}", onPin1(grey), LossCause::FileNotWritten, 1},
@@ -190,29 +187,6 @@ TEST_F(ImageFiles, AreWrittenBesidesThoseOfAnArrayThatCannotBe)
     EXPECT_EQ(host.lost, (std::map<LossCause, int>{{LossCause::InvalidInput, 1}}));
     EXPECT_EQ(host.files, 1u);
 }
-
-/// No file of the process may become larger than the limit, as on a full disk.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes) : handler_(signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit limit{bytes, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        signal(SIGXFSZ, handler_);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    rlimit before_{};
-    sighandler_t handler_;
-};
 
 TEST_F(ImageFiles, LeaveNothingBehindOnAFullDisk)
 {
