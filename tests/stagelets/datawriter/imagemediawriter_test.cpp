@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "gcbase/exception.h"
+
 #include "utility/imageformatconverter.h"
 #include "utility/niveximage.h"
 #include "utility/pixelformats.h"
@@ -67,40 +69,79 @@ TEST_F(ImageFiles, HoldThePicturesOfAllKindsOfSources)
     {
         EPixelType source;
         std::size_t padding;
-        bool isDeep;  ///< Of more than 8 bits, which a format may keep.
     };
     const Case sources[] = {
-        {EPixelType::Mono4Packed, 0, false},  {EPixelType::Mono8, 3, false},
-        {EPixelType::Mono12, 0, true},        {EPixelType::Mono12p, 0, true},
-        {EPixelType::Mono16, 2, true},        {EPixelType::BayerGR8, 0, false},
-        {EPixelType::BayerBG12p, 0, true},    {EPixelType::RGB8Packed, 1, false},
-        {EPixelType::BGR8Packed, 0, false},   {EPixelType::RGB16Packed, 0, true},
-        {EPixelType::RGB8Planar, 0, false},   {EPixelType::YUV422Packed, 0, false},
-        {EPixelType::YUV420Planar, 0, false},
+        {EPixelType::Mono4Packed, 0},  {EPixelType::Mono8, 3},        {EPixelType::Mono12, 0},
+        {EPixelType::Mono10Packed, 0}, {EPixelType::Mono12p, 0},      {EPixelType::Mono16, 2},
+        {EPixelType::BayerGR8, 0},     {EPixelType::BayerRG12, 4},    {EPixelType::BayerGB10Packed, 0},
+        {EPixelType::BayerBG12p, 0},   {EPixelType::RGB8Packed, 1},   {EPixelType::BGR8Packed, 0},
+        {EPixelType::BGR12Packed, 0},  {EPixelType::RGB16Packed, 0},  {EPixelType::RGB8Planar, 0},
+        {EPixelType::RGB16Planar, 2},  {EPixelType::YUV422Packed, 0}, {EPixelType::YUV420Planar, 0},
+        {EPixelType::YUV444Planar, 0},
     };
     struct Format
     {
         const char* mediaType;
         const char* extension;
-        bool isDeep;
+        bool isDeep;  ///< It keeps more than 8 bits.
+        bool isExact = true;
+        bool isRawBayer = false;
     };
-    for (const Format& format : {Format{"BMP", ".bmp", false}, {"TIFF", ".tiff", true}, {"PNG", ".png", true}}) {
-        for (const Case& row : sources) {
-            SCOPED_TRACE(std::string(format.mediaType) + " of " + Nivex::GetPixelTypeName(row.source));
-            const Core::Image source = image(row.source, 8, 4, row.padding);
+    const Format formats[] = {{"BMP", ".bmp", false},
+                              {"TIFF", ".tiff", true},
+                              {"PNG", ".png", true},
+                              {"JPEG", ".jpg", false, false},
+                              {"DNG", ".dng", true, true, true}};
+    std::size_t files = 0;
+    for (const Format& format : formats) {
+        for (const auto& [pixelType, padding] : sources) {
+            if (format.isRawBayer && Nivex::IsMonochrome(pixelType)) continue;
+            SCOPED_TRACE(std::string(format.mediaType) + " of " + Nivex::GetPixelTypeName(pixelType));
+            const Core::Image source = image(pixelType, 8, 4, padding);
             write(format.mediaType, onPin1(source));
-            const Nivex::CNivexImage written = load(std::string("Image_Record1_Data1") + format.extension);
+            EXPECT_EQ(host.files, ++files);
+            const std::string name = std::string("Image_Record1_Data1") + format.extension;
+            if (format.isRawBayer && Nivex::IsBayer(pixelType)) {
+                EXPECT_THROW(load(name), GenICam::RuntimeException);
+                continue;
+            }
+            const Nivex::CNivexImage written = load(name);
             EXPECT_EQ(written.GetWidth(), 8u);
             EXPECT_EQ(written.GetHeight(), 4u);
-            const bool isDeep = format.isDeep && row.isDeep;
-            EXPECT_EQ(pixels(written, isDeep), pixels(source.getNivexImage(), isDeep));
+            const bool isDeep = format.isDeep && Nivex::BitDepth(pixelType) > 8;
             EXPECT_EQ(Nivex::BitDepth(written.GetPixelType()), isDeep ? 16u : 8u);
-            EXPECT_EQ(Nivex::IsMonochrome(written.GetPixelType()), Nivex::IsMonochrome(row.source));
+            EXPECT_EQ(Nivex::IsMonochrome(written.GetPixelType()), Nivex::IsMonochrome(pixelType));
+            if (format.isExact) {
+                EXPECT_EQ(pixels(written, isDeep), pixels(source.getNivexImage(), isDeep));
+            }
         }
     }
-    EXPECT_EQ(host.files, 3 * std::size(sources));
     EXPECT_TRUE(host.lost.empty());
     EXPECT_TRUE(log.messages().empty());
+}
+
+// No image can be appended to another: a new one takes the place of what has its name.
+TEST_F(ImageFiles, ReplaceThoseThatExistInEveryFileMode)
+{
+    const Core::Image light = image(EPixelType::RGB8Packed);
+    const Core::Image dark = image(EPixelType::RGB16Packed, 5, 3);
+    for (const char* mediaType : {"BMP", "TIFF", "JPEG", "PNG", "RAW", "DNG"}) {
+        std::set<std::uintmax_t> sizes;
+        parameters.set("FileName", mediaType);
+        for (const char* mode : {"Create", "CreateThenAppend", "Append"}) {
+            SCOPED_TRACE(std::string(mediaType) + " " + mode);
+            parameters.set("FileMode", mode);
+            write(mediaType, onPin1(light));
+            write(mediaType, onPin1(dark));
+            const fs::path file = folder.path() / *folder.entries().begin();
+            ASSERT_EQ(file.stem(), mediaType);
+            sizes.insert(fs::file_size(file));
+        }
+        EXPECT_EQ(sizes.size(), 1u) << mediaType;
+        EXPECT_EQ(folder.entries().size(), 1u);
+        fs::remove_all(folder.path() / *folder.entries().begin());
+    }
+    EXPECT_EQ(host.files, 6u * 3 * 2);
 }
 
 TEST_F(ImageFiles, AreJpegOrTheBareBuffer)
@@ -187,6 +228,7 @@ TEST_F(ImageFiles, AreWrittenBesidesThoseOfAnArrayThatCannotBe)
     EXPECT_EQ(host.lost, (std::map<LossCause, int>{{LossCause::InvalidInput, 1}}));
     EXPECT_EQ(host.files, 1u);
 }
+
 
 TEST_F(ImageFiles, LeaveNothingBehindOnAFullDisk)
 {
