@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
+#include <utility>
 #include <vector>
 
 #include "gcbase/exception.h"
@@ -52,6 +53,39 @@ private:
     std::int64_t min_;
     std::int64_t max_;
     std::int64_t inc_;
+};
+
+/// A floating-point number with limits, owned by an SDK object. Not synchronised.
+class CFloatParameter
+{
+public:
+    CFloatParameter(ParameterTexts texts, double value, double min, double max)
+        : texts_(std::move(texts)), value_(value), min_(min), max_(max)
+    {
+    }
+
+    double GetValue() const { return value_; }
+    double GetMin() const { return min_; }
+    double GetMax() const { return max_; }
+    const ParameterTexts& GetTexts() const { return texts_; }
+
+    /// Raises OutOfRangeException, and keeps the value, if `value` is outside the limits or no number.
+    void SetValue(double value)
+    {
+        if (!(value >= min_ && value <= max_)) {
+            GENICAM_THROW(OutOfRangeException, "%s: value %g is not one of %g to %g.", texts_.name.c_str(), value,
+                          min_, max_);
+        }
+        value_ = value;
+    }
+    /// Sets the nearest value within the limits. Raises OutOfRangeException for what is no number.
+    void SetValueCorrected(double value) { SetValue(value < min_ ? min_ : value > max_ ? max_ : value); }
+
+private:
+    ParameterTexts texts_;
+    double value_;
+    double min_;
+    double max_;
 };
 
 /// A choice among given values, owned by an SDK object. Not synchronised.

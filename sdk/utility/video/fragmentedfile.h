@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "utility/video/libraryfailure.h"
+
+namespace Nivex::Video {
+
+/// Pictures in so many seconds.
+struct PictureRate
+{
+    int pictures;
+    int seconds;
+};
+
+/// An MP4 file that is written in fragments, each of which can be played once it has been flushed. All refusals
+/// are RuntimeExceptions that name path and cause.
+class FragmentedFile
+{
+public:
+    /// Makes the file, empty of pictures, in place of one that has the name; leaves none behind if that fails.
+    FragmentedFile(std::string path, const AVCodecContext& encoder);
+    /// Closes the file as it stands.
+    ~FragmentedFile();
+    FragmentedFile(const FragmentedFile&) = delete;
+    FragmentedFile& operator=(const FragmentedFile&) = delete;
+
+    /// Adds a packet whose times count in pictures, and whose times are changed by that.
+    void write(AVPacket& packet);
+    /// Ends the fragment and hands it to the system.
+    void flush();
+    /// Ends the file and closes it. It is closed after a failure, too.
+    void finish();
+
+    PictureRate rate() const { return rate_; }
+    std::uint64_t packetCount() const { return packetCount_; }
+
+private:
+    void begin(const AVCodecContext& encoder);
+    void checkFile(int code, const char* operation);
+
+    std::string path_;
+    std::unique_ptr<AVFormatContext, Release> format_;
+    std::uint64_t packetCount_ = 0;
+    PictureRate rate_;
+};
+
+}  // namespace Nivex::Video
