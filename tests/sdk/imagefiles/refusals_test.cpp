@@ -181,7 +181,10 @@ TEST_F(Refusals, OnlyImageFilesAreRead)
         {inFolder("text.png"), "no BMP, JPEG, PNG or TIFF"},
         {inFolder("empty.bmp/x"), "Not a directory"},
     };
-    for (const auto& [path, cause] : cases) {
+    for (const auto& row : cases) {
+        // Clang 14 takes no structured binding into a lambda.
+        const std::string& path = row.first;
+        const char* cause = row.second;
         CNivexImage image = makePicture(Mono8, 2, 2);
         EXPECT_THAT([&] { image.Load(path.c_str()); },
                     ThrowsMessage<GenICam::RuntimeException>(AllOf(HasSubstr(path), HasSubstr(cause))));
@@ -235,7 +238,10 @@ TEST_F(Refusals, PlacesThatTakeNoFile)
         {inFolder(std::string(300, 'x')), "name too long"},
         {"", "path is empty"},
     };
-    for (const auto& [path, cause] : cases) {
+    for (const auto& row : cases) {
+        // Clang 14 takes no structured binding into a lambda.
+        const std::string& path = row.first;
+        const char* cause = row.second;
         EXPECT_THAT([&] { CImagePersistence::Save(Bmp, path.c_str(), picture); },
                     ThrowsMessage<GenICam::RuntimeException>(AllOf(HasSubstr(path), HasSubstr(cause))));
     }
