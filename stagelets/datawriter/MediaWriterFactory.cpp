@@ -2,7 +2,7 @@
 
 #include "datawriter/ImageMediaWriter.h"
 #include "datawriter/TextMediaWriter.h"
-#include "datawriter/UnavailableMediaWriter.h"
+#include "datawriter/VideoMediaWriter.h"
 
 namespace Plugin::NivexStageletPackageBase {
 
@@ -10,7 +10,7 @@ std::shared_ptr<IMediaWriter> createMediaWriter(MediaType type, IWriterLedger& l
 {
     switch (type) {
         case MediaType::MP4:
-            return std::make_shared<UnavailableMediaWriter>("MP4 videos", ledger);
+            return std::make_shared<VideoMediaWriter>(ledger);
         case MediaType::BMP:
         case MediaType::TIFF:
         case MediaType::JPEG:

@@ -199,7 +199,6 @@ TEST_F(ImageFiles, AreCountedWhenTheyDoNotComeAbout)
          LossCause::InvalidInput, 0},
         {"number", "PNG", "", onPin1(Core::Integer(1)), LossCause::Unsupported, 0},
         {"grey to DNG", "DNG", "", onPin1(grey), LossCause::Unsupported, 0},
-        {"no video yet", "MP4", "", onPin1(grey), LossCause::Unsupported, 1},
         {"dot", "PNG", ".", onPin1(grey), LossCause::FileNotWritten, 1},
         {"dots", "PNG", "..", onPin1(grey), LossCause::FileNotWritten, 1},
         {"no name", "PNG", "{ErrorMessage}", onPin1(grey), LossCause::FileNotWritten, 1},

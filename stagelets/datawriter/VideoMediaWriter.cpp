@@ -1,0 +1,188 @@
+#include "datawriter/VideoMediaWriter.h"
+
+#include <string>
+
+#include "gcbase/exception.h"
+
+#include "utility/imageformatconverter.h"
+
+#include "core/array.h"
+#include "datawriter/CatchSites.h"
+#include "datawriter/NameRendering.h"
+#include "utils/log.h"
+
+namespace Plugin::NivexStageletPackageBase {
+
+namespace {
+
+namespace Core = Nivex::DataProcessing::Core;
+namespace Utils = Nivex::DataProcessing::Utils;
+using Core::LossCause;
+using Nivex::EPixelType;
+using Nivex::EVideoFailure;
+
+Utils::CatId videoChannel()
+{
+    static const Utils::CatId id = Utils::getCatId("nivex.dataprocessing.stagelet.DataWriterVideo");
+    return id;
+}
+
+const CatchSite openSite{"DataWriterVideo %p: Exception caught while opening video. Message: %s",
+                         "DataWriterVideo %p: Unknown exception caught while opening video."};
+const CatchSite addSite{"DataWriterVideo %p: Exception caught while adding image to video. Message: %s",
+                        "DataWriterVideo %p: Unknown exception caught while adding image to video."};
+const CatchSite closeSite{"DataWriterVideo %p: Exception caught while closing video. Message: %s",
+                          "DataWriterVideo %p: Unknown exception caught while closing video."};
+
+// The formats are those above.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+
+/// Runs the operation and logs what it throws; false if it threw.
+template <typename Operation>
+bool logFailures(const CatchSite& site, const void* writer, const Operation& operation)
+{
+    try {
+        operation();
+        return true;
+    } catch (const GenICam::GenericException& exception) {
+        Utils::createLogEntry(Utils::SeverityFailure, videoChannel(), site.known, writer,
+                              exception.GetDescription());
+    } catch (const std::exception& exception) {
+        Utils::createLogEntry(Utils::SeverityFailure, videoChannel(), site.known, writer, exception.what());
+    } catch (...) {
+        Utils::createLogEntry(Utils::SeverityFailure, videoChannel(), site.unknown, writer);
+    }
+    return false;
+}
+
+#pragma GCC diagnostic pop
+
+bool isSupported(EPixelType pixelType)
+{
+    return Nivex::CImageFormatConverter::IsSupportedInputFormat(pixelType) ||
+           pixelType == EPixelType::YUV420Planar;
+}
+
+std::string fileName(const MediaWriterContext& context, const WriterIndices& indices)
+{
+    constexpr const char* ending = ".mp4";
+    const GenICam::gcstring& given = context.settings->fileName;
+    std::string name = renderName(*context.tokens, given.empty() ? "Video{MediaWriterIndex}.mp4" : given.c_str(),
+                                  *context.time, indices);
+    if (!name.ends_with(ending)) name += ending;
+    return name;
+}
+
+}  // namespace
+
+void VideoMediaWriter::beginSession(const MediaWriterContext& context)
+{
+    if (context.settings->fileScope != FileScope::Session) return;
+    closeAtRecordEnd_ = false;
+    closeAtSessionEnd_ = true;
+}
+
+void VideoMediaWriter::beginRecord(const MediaWriterContext& context)
+{
+    if (context.settings->fileScope == FileScope::Record) closeAtRecordEnd_ = true;
+}
+
+void VideoMediaWriter::writeData(const Utils::Variant& value, const Utils::TypeInfo&,
+                                 const MediaWriterContext& context)
+{
+    if (const auto* image = value.tryGet<Core::Image>()) {
+        writeImage(*image, context, *context.indices);
+        return;
+    }
+    const auto* images = value.tryGet<Core::Array<Core::Image>>();
+    if (!images) {
+        ledger_.reportLoss(LossCause::Unsupported);
+        return;
+    }
+    if (images->hasError()) {
+        ledger_.reportLoss(LossCause::InvalidInput);
+        return;
+    }
+    WriterIndices indices = *context.indices;
+    indices.arraySize = images->getSize();
+    indices.inArray = 1;
+    for (indices.arrayIndex = 0; indices.arrayIndex < indices.arraySize; ++indices.arrayIndex)
+        writeImage(images->at(indices.arrayIndex), context, indices);
+}
+
+void VideoMediaWriter::writeImage(const Core::Image& image, const MediaWriterContext& context,
+                                  const WriterIndices& indices)
+{
+    if (image.hasError() || !image.getDataConst()) {
+        ledger_.reportLoss(LossCause::InvalidInput);
+        return;
+    }
+    if (!isSupported(image.getPixelType())) {
+        ledger_.reportLoss(LossCause::Unsupported);
+        return;
+    }
+    if (!opened_) opened_ = logFailures(openSite, this, [&] { open(image, context, indices); });
+    if (!opened_ || !logFailures(addSite, this, [&] { add(image); })) {
+        ledger_.reportLoss(cause_);
+        return;
+    }
+    ledger_.reportRecorded(0, image.getImageSize());
+}
+
+void VideoMediaWriter::open(const Core::Image& image, const MediaWriterContext& context,
+                            const WriterIndices& indices)
+{
+    cause_ = LossCause::FileNotWritten;
+    const std::string path = (*context.folder / fileName(context, indices)).string();
+    cause_ = LossCause::EncoderFailed;
+    writer_.Width.SetValue(image.getWidth());
+    writer_.Height.SetValue(image.getHeight());
+    writer_.PlayBackFrameRate.SetValueCorrected(context.settings->playBackSpeed);
+    writer_.RecordingFrameRate.SetValueCorrected(context.settings->playBackSpeed);
+    notingCause([&] { writer_.Open(path); });
+}
+
+void VideoMediaWriter::add(const Core::Image& image)
+{
+    notingCause([&] {
+        writer_.Add(image.getDataConst(), image.getImageSize(), image.getPixelType(), image.getWidth(),
+                    image.getHeight(), image.getLinePadding(), Nivex::EImageOrientation::TopDown);
+    });
+}
+
+template <typename Operation>
+void VideoMediaWriter::notingCause(const Operation& operation)
+{
+    try {
+        operation();
+    } catch (...) {
+        const bool isOfFile = writer_.GetLastFailure() == EVideoFailure::File;
+        cause_ = isOfFile ? LossCause::FileNotWritten : LossCause::EncoderFailed;
+        throw;
+    }
+}
+
+void VideoMediaWriter::endRecord(const MediaWriterContext&)
+{
+    if (closeAtRecordEnd_) close();
+}
+
+void VideoMediaWriter::endSession(const MediaWriterContext&)
+{
+    if (closeAtSessionEnd_) close();
+}
+
+void VideoMediaWriter::close()
+{
+    if (!writer_.IsOpen()) return;
+    opened_ = false;
+    const bool isClosed = logFailures(closeSite, this, [&] { writer_.Close(); });
+    if (isClosed || writer_.GetLastFailure() == EVideoFailure::Index) {
+        ledger_.reportRecorded(1, 0);
+        return;
+    }
+    ledger_.reportLoss(LossCause::FileNotWritten);
+}
+
+}  // namespace Plugin::NivexStageletPackageBase

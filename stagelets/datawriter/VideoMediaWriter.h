@@ -1,0 +1,54 @@
+#pragma once
+
+#include "utility/videowriter.h"
+
+#include "core/image.h"
+#include "datawriter/IMediaWriter.h"
+
+namespace Plugin::NivexStageletPackageBase {
+
+/// Writes the images of all its pins, and each element of arrays of images, to one MP4 video at a time. A video is
+/// opened by the first image for which none is open and has that image's size. The file scope says when it is
+/// closed: Record, with the record; Session and DataItem, with the session. The file mode is not looked at: a
+/// video replaces a file that has its name. A name that doesn't end in ".mp4" gets that ending.
+///
+/// Accounts for each image: recorded with the bytes of the picture; InvalidInput for an image that is empty or
+/// holds an error; Unsupported for a pixel type that can't be converted and for any other kind of value;
+/// FileNotWritten if the file can't be made or written; EncoderFailed for what else keeps it from being opened or
+/// from taking the image, such as another size. Each video that is closed is recorded as one file; one that can't
+/// be written to its end is one more FileNotWritten. As pictures gather in fragments, up to a fragment of them may
+/// have been recorded before a full disk shows.
+///
+/// Nothing is raised: failures are logged and the image is lost.
+class VideoMediaWriter : public IMediaWriter
+{
+public:
+    explicit VideoMediaWriter(IWriterLedger& ledger) : ledger_(ledger) {}
+
+    void beginSession(const MediaWriterContext& context) override;
+    void beginRecord(const MediaWriterContext& context) override;
+    void writeData(const Nivex::DataProcessing::Utils::Variant& value,
+                   const Nivex::DataProcessing::Utils::TypeInfo& type, const MediaWriterContext& context) override;
+    void endRecord(const MediaWriterContext& context) override;
+    void endSession(const MediaWriterContext& context) override;
+
+private:
+    void writeImage(const Nivex::DataProcessing::Core::Image& image, const MediaWriterContext& context,
+                    const WriterIndices& indices);
+    void open(const Nivex::DataProcessing::Core::Image& image, const MediaWriterContext& context,
+              const WriterIndices& indices);
+    void add(const Nivex::DataProcessing::Core::Image& image);
+    void close();
+    /// Runs a call of the writer and keeps what it throws as the cause of the loss.
+    template <typename Operation>
+    void notingCause(const Operation& operation);
+
+    IWriterLedger& ledger_;
+    Nivex::CVideoWriter writer_;
+    Nivex::DataProcessing::Core::LossCause cause_{};  ///< Of the last image that was lost by a failure.
+    bool opened_ = false;
+    bool closeAtRecordEnd_ = false;
+    bool closeAtSessionEnd_ = true;
+};
+
+}  // namespace Plugin::NivexStageletPackageBase
