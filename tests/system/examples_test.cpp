@@ -146,8 +146,20 @@ TEST_F(ExamplesTest, TriggersTellPicturesFromErrors)
     }
     for (const int update : {1, 6, 11})
         expected.push_back("EveryFifth_1/update_" + std::to_string(update) + ".jpg");
+    expectWholePictures(output() / "Readable_1");
+    expectWholePictures(output() / "EveryFifth_1");
+
+    std::string failures = "Update\tFile\tError\n";
+    for (const int update : {3, 4, 8, 9, 13, 14}) {
+        const std::string file = pictures.at(static_cast<std::size_t>(update - 1) % 5).string();
+        const char* cause = update % 5 == 3 ? "bad JPEG file: Premature end of input file."
+                                            : "it is no BMP, JPEG, PNG or TIFF file.";
+        failures += std::to_string(update) + "\t" + file + "\tCould not load \"" + file + "\": " + cause + "\n";
+    }
+    EXPECT_EQ(readFile(output() / "Failures_1/failures.txt"), failures);
+    expected.push_back("Failures_1/failures.txt");
+    EXPECT_EQ(ended.files("Failures"), 1U);
     EXPECT_THAT(listFiles(output()), testing::UnorderedElementsAreArray(expected));
-    expectWholePictures(output());
 }
 
 }  // namespace SystemTest

@@ -127,6 +127,33 @@ TEST_F(RunsTest, BranchesMeetInTheSameRecord)
     }
 }
 
+// One line per update, of what the loader sends beside the picture.
+TEST_F(RunsTest, ListTheLoadedFilesAsText)
+{
+    saveNumbered(3, 8);
+    json recipe =
+        loadAndWrite({{"numberOfRuns", 2}},
+                     {"NumInputDataPins = 2", "MediaType = TXT", "FileScope = Session", "FileName = list.csv",
+                      "TextFormatSelector = TextFormat_SessionBegin", "TextFormat = file;run\\n",
+                      "TextFormatSelector = TextFormat_DataEnd", "TextFormat = ;", "InputDataPinSelector = 2",
+                      "TextFormatSelector = TextFormat_RecordEnd", "TextFormat = # {RecordIndex}\\n"});
+    recipe["Connections"] = {"Loader.ImagePath -> Writer.Data1", "Loader.RunCount -> Writer.Data2"};
+    const RunEnded ended = run(recipe, {"--until-idle=1s"});
+    EXPECT_EQ(ended.code, 0) << ended.err;
+    EXPECT_EQ(ended.finished(), 6U);
+    EXPECT_EQ(ended.files(), 1U);
+    std::string expected = "file;run\n";
+    std::uint64_t bytes = 0;
+    for (int record = 1; record <= 6; ++record) {
+        const std::string data = (images() / std::to_string(1000 + (record - 1) % 3)).string() + ".bmp;" +
+                                 (record > 3 ? "2" : "1") + "\n";
+        bytes += data.size();
+        expected += data + "# " + std::to_string(record) + "\n";
+    }
+    EXPECT_EQ(readFile(out() / "S/list.csv"), expected);
+    EXPECT_EQ(ended.node("Writer").at("bytes"), bytes);
+}
+
 // Wherever a stop comes, all files are whole, and what was offered is accounted for.
 TEST_F(RunsTest, SignalsStopInOrder)
 {
