@@ -19,6 +19,7 @@
 #include "core/region.h"
 #include "core/string.h"
 #include "core/transformationdata.h"
+#include "datawriter/MediaWriterFactory.h"
 #include "datawritertest.h"
 #include "utils/typeregistrar.h"
 
@@ -310,6 +311,49 @@ TEST_F(TextFiles, EndWithAnExceptionInDataItemScope)
     write(updates);
     EXPECT_EQ(files(), (Files{{"Data_Session1.txt", "1\n3\n"}}));
     EXPECT_EQ(host.lost, (Losses{{LossCause::FileNotWritten, 1}}));
+}
+
+struct CountingLedger final : IWriterLedger
+{
+    std::uint64_t records = 0;
+    Losses lost;
+
+    void reportRecorded(std::uint64_t, std::uint64_t) override { ++records; }
+    void reportLoss(LossCause cause) override { ++lost[cause]; }
+};
+
+// What a node does not ask for, but a recipe with odd settings, or another caller, may.
+TEST_F(TextFiles, RefuseWhatIsNoScopeAndNoPin)
+{
+    CountingLedger ledger;
+    MediaWriterSettings settings;
+    TimeSnapshot time;
+    const TextTokenTable tokens;
+    WriterIndices indices{.pinIndex = 1, .mediaWriterIndex = 2};
+    std::vector<InputPinSettings> pins(1);
+    const MediaWriterContext context{&settings, &time, &folder.path(), &tokens, &indices, &pins};
+    const Utils::Variant value{Core::Integer(1)};
+    const auto writer = createMediaWriter(MediaType::TXT, ledger);
+
+    settings.fileScope = static_cast<FileScope>(7);
+    writer->beginSession(context);
+    writer->beginRecord(context);
+    writer->writeData(value, value.getValueType(), context);
+    writer->writeData(Utils::Variant(), value.getValueType(), context);
+    writer->writeData(value, Utils::TypeInfo(), context);
+    EXPECT_EQ(ledger.lost, (Losses{{LossCause::FileNotWritten, 1}}));
+    ASSERT_EQ(logged().size(), 1u);
+    EXPECT_NE(logged()[0].find("No file is open."), std::string::npos) << logged()[0];
+    EXPECT_EQ(files(), Files());
+
+    settings.fileScope = FileScope::Record;
+    writer->beginRecord(context);
+    indices.pinIndex = 2;
+    EXPECT_THROW(writer->writeData(value, value.getValueType(), context), std::out_of_range);
+    pins[0].textFormat[0] = "x";  // a section for a writer that the pin's list doesn't hold
+    settings.fileScope = FileScope::Session;
+    EXPECT_THROW(writer->beginSession(context), std::out_of_range);
+    EXPECT_EQ(ledger.records, 0u);
 }
 
 /// Writes numbers with separators, as a host's global locale may.
