@@ -1,5 +1,6 @@
 #include "core/bufferprovider.h"
 
+#include <algorithm>
 #include <bit>
 #include <map>
 #include <mutex>
@@ -28,7 +29,7 @@ std::size_t sizeClassOf(std::size_t size)
 {
     constexpr std::size_t smallest = 4096;
     if (size <= smallest) return smallest;
-    const std::size_t step = std::bit_floor(size - 1) / 8;
+    const std::size_t step = std::max<std::size_t>(std::bit_floor(size - 1) / 8, 1);
     return (size + step - 1) / step * step;
 }
 

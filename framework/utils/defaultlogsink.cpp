@@ -31,7 +31,8 @@ public:
 private:
     static spdlog::color_mode colorMode()
     {
-        const char* noColor = std::getenv("NO_COLOR");
+        const char* noColor =
+            std::getenv("NO_COLOR");  // NOLINT(concurrency-mt-unsafe): nobody here sets variables
         return noColor && *noColor ? spdlog::color_mode::never : spdlog::color_mode::automatic;
     }
 
