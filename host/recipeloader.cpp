@@ -29,6 +29,7 @@ template <typename Descriptor>
 std::vector<std::string> namesOf(const std::vector<Descriptor>& pins)
 {
     std::vector<std::string> names;
+    names.reserve(pins.size());
     for (const auto& pin : pins)
         names.push_back(pin.getName().str());
     return names;

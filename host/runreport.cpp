@@ -1,6 +1,7 @@
 #include "runreport.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 
 #include "jsonbuild.h"
@@ -76,7 +77,7 @@ double perSecond(std::uint64_t count, std::chrono::nanoseconds duration)
 
 std::string formatRate(double rate)
 {
-    const auto tenths = static_cast<std::uint64_t>(rate * 10 + 0.5);
+    const auto tenths = std::llround(rate * 10);
     return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + "/s";
 }
 

@@ -76,8 +76,10 @@ std::string formatSize(std::uint64_t bytes)
     auto size = static_cast<double>(bytes);
     std::size_t unit = 0;
     // What would be shown as 1024 belongs to the next unit.
-    for (; size >= 1023.5; size /= 1024)
+    while (size >= 1023.5) {
+        size /= 1024;
         ++unit;
+    }
     return format(size < 9.995 ? 2 : size < 99.95 ? 1 : 0, size, units[unit]);
 }
 
