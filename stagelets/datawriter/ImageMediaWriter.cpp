@@ -7,7 +7,7 @@
 
 #include "utility/pixeltype.h"
 
-#include "core/array.h"
+#include "datawriter/ImageWalk.h"
 #include "datawriter/NameRendering.h"
 
 namespace Plugin::NivexStageletPackageBase {
@@ -91,33 +91,14 @@ struct ImageMediaWriter::Target
 void ImageMediaWriter::writeData(const Utils::Variant& value, const Utils::TypeInfo&,
                                  const MediaWriterContext& context)
 {
-    if (const auto* image = value.tryGet<Core::Image>()) {
-        writeImage(*image, context, *context.indices);
-        return;
-    }
-    const auto* images = value.tryGet<Core::Array<Core::Image>>();
-    if (!images) {
-        ledger_.reportLoss(LossCause::Unsupported);
-        return;
-    }
-    if (images->hasError()) {
-        ledger_.reportLoss(LossCause::InvalidInput);
-        return;
-    }
-    WriterIndices indices = *context.indices;
-    indices.arraySize = images->getSize();
-    indices.inArray = 1;
-    for (indices.arrayIndex = 0; indices.arrayIndex < indices.arraySize; ++indices.arrayIndex)
-        writeImage(images->at(indices.arrayIndex), context, indices);
+    forEachImage(value, context, ledger_, [&](const Core::Image& image, const WriterIndices& indices) {
+        writeImage(image, context, indices);
+    });
 }
 
 void ImageMediaWriter::writeImage(const Core::Image& image, const MediaWriterContext& context,
                                   const WriterIndices& indices)
 {
-    if (image.hasError() || !image.getDataConst()) {
-        ledger_.reportLoss(LossCause::InvalidInput);
-        return;
-    }
     const MediaWriterSettings& settings = *context.settings;
     const FormatRow& row = formatOf(settings.mediaType);
     if (row.format == EImageFileFormat::Dng && Nivex::IsMonochrome(image.getPixelType())) {

@@ -6,8 +6,8 @@
 
 #include "utility/imageformatconverter.h"
 
-#include "core/array.h"
 #include "datawriter/CatchSites.h"
+#include "datawriter/ImageWalk.h"
 #include "datawriter/NameRendering.h"
 #include "utils/log.h"
 
@@ -91,33 +91,14 @@ void VideoMediaWriter::beginRecord(const MediaWriterContext& context)
 void VideoMediaWriter::writeData(const Utils::Variant& value, const Utils::TypeInfo&,
                                  const MediaWriterContext& context)
 {
-    if (const auto* image = value.tryGet<Core::Image>()) {
-        writeImage(*image, context, *context.indices);
-        return;
-    }
-    const auto* images = value.tryGet<Core::Array<Core::Image>>();
-    if (!images) {
-        ledger_.reportLoss(LossCause::Unsupported);
-        return;
-    }
-    if (images->hasError()) {
-        ledger_.reportLoss(LossCause::InvalidInput);
-        return;
-    }
-    WriterIndices indices = *context.indices;
-    indices.arraySize = images->getSize();
-    indices.inArray = 1;
-    for (indices.arrayIndex = 0; indices.arrayIndex < indices.arraySize; ++indices.arrayIndex)
-        writeImage(images->at(indices.arrayIndex), context, indices);
+    forEachImage(value, context, ledger_, [&](const Core::Image& image, const WriterIndices& indices) {
+        writeImage(image, context, indices);
+    });
 }
 
 void VideoMediaWriter::writeImage(const Core::Image& image, const MediaWriterContext& context,
                                   const WriterIndices& indices)
 {
-    if (image.hasError() || !image.getDataConst()) {
-        ledger_.reportLoss(LossCause::InvalidInput);
-        return;
-    }
     if (!isSupported(image.getPixelType())) {
         ledger_.reportLoss(LossCause::Unsupported);
         return;
