@@ -51,6 +51,9 @@ struct Graph::Private
         Utils::ScopedConnection errorConnection;
     };
 
+    /// A node may hold values that came from another one's package, so all packages stay until the last node is
+    /// gone: these copies hold them, and being the first member they end last.
+    std::vector<NodeHandle::deleter_type> packages;
     std::shared_ptr<Core::IResourcePool> pool;
     std::vector<std::unique_ptr<Node>> nodes;
     std::vector<Connection> connections;
@@ -128,6 +131,7 @@ void Graph::addNode(const std::string& name, const std::string& module, NodeHand
     entry->handle = std::move(node);
     entry->errorConnection.set(entry->handle->getErrorChangedSignal().connect([this] { private_->notify(); }),
                                true);
+    private_->packages.push_back(entry->handle.get_deleter());
     private_->nodes.push_back(std::move(entry));
     private_->topology.addNode();
 }
