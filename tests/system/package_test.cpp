@@ -103,6 +103,21 @@ TEST_F(PackageTest, IsBuiltAgainstTheInstalledTreeAndRuns)
     EXPECT_EQ(countOf(written("3.txt"), "Input image is invalid.\n"), 11U);
 }
 
+TEST_F(PackageTest, RefusesSettingsOutOfRange)
+{
+    for (const auto& [name, value] : std::vector<std::pair<std::string, std::int64_t>>{
+             {"Polarity", 2}, {"Polarity", 0x100000000}, {"Threshold", 256}, {"Threshold", -1}, {"MinArea", 0}})
+    {
+        json recipe = findBlobs();
+        recipe["Nodes"].back()["Settings"] = {{name, value}};
+        const Ended ended = stagelet({"check", writeRecipe(recipe.dump()).string(), "--package",
+                                      STAGELET_LIB_DIR "/libNivexStageletPackageBase.so", "--package",
+                                      STAGELET_LIB_DIR "/libBlobPackage.so"});
+        EXPECT_EQ(ended.code, 3) << ended.err;
+        EXPECT_THAT(ended.err, HasSubstr(name + " is " + std::to_string(value) + " but must lie between"));
+    }
+}
+
 TEST_F(PackageTest, InspectionSortsPicturesByTheirBlobs)
 {
     fs::copy(STAGELET_SOURCE_DIR "/examples/images", images());

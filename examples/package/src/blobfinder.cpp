@@ -244,7 +244,11 @@ void BlobFinder::loadSettings(const std::shared_ptr<Core::ISettings>& settings)
 {
     requireUsable(settings);
     changeSettings([&settings](BlobSettings& loaded) {
-        if (settings->hasKey("Polarity")) loaded.polarity = static_cast<Polarity>(settings->getSigned("Polarity"));
+        if (settings->hasKey("Polarity")) {
+            const std::int64_t polarity = settings->getSigned("Polarity");
+            requireInRange("Polarity", polarity, polarityRange);  // before the cast cuts it
+            loaded.polarity = static_cast<Polarity>(polarity);
+        }
         if (settings->hasKey("Threshold")) loaded.threshold = settings->getSigned("Threshold");
         if (settings->hasKey("MinArea")) loaded.minArea = settings->getSigned("MinArea");
     });
