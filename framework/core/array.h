@@ -22,7 +22,7 @@ public:
     /// Shares the elements; an empty pointer gives an empty array.
     explicit Array(Data data) : data_(std::move(data)) {}
     /// Raises InvalidArgumentException for null.
-    explicit Array(std::shared_ptr<IError> error) { setError(std::move(error)); }
+    explicit Array(std::shared_ptr<IError> error) { Array::setError(std::move(error)); }
 
     bool hasError(bool recursive = false) const override;
     std::shared_ptr<IError> getError(bool recursive = false) const override;
