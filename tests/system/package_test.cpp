@@ -1,7 +1,16 @@
 // A package of another house: built outside this tree against an installed one, and run by it.
+#include "runtime/package.h"
+
+#include <dlfcn.h>
+
 #include <regex>
 #include <sstream>
 
+#include "genapi/genapi.h"
+
+#include "core/inodemapcontainer.h"
+#include "core/simplenode.h"
+#include "runtime/jsonsettings.h"
 #include "stagelettest.h"
 
 namespace SystemTest {
@@ -101,6 +110,42 @@ TEST_F(PackageTest, IsBuiltAgainstTheInstalledTreeAndRuns)
     EXPECT_EQ(written("2.txt"),
               "0\n0\n0\n0 blobs\nData5 Array[0]\n\nData6 Array[0]\n\nData7 Array[0]\n\n1;0;0\n0;1;0\n0;0;1\n");
     EXPECT_EQ(countOf(written("3.txt"), "Input image is invalid.\n"), 11U);
+}
+
+TEST_F(PackageTest, SavedSettingsMakeAnotherNodeEqual)
+{
+    namespace Core = Nivex::DataProcessing::Core;
+    using namespace Nivex::DataProcessing::Runtime;
+    const std::string library = STAGELET_LIB_DIR "/libBlobPackage.so";
+    const auto isLoaded = [&library] {
+        void* handle = dlopen(library.c_str(), RTLD_NOW | RTLD_NOLOAD);
+        if (handle) dlclose(handle);
+        return handle != nullptr;
+    };
+    {
+        const Package package(library);
+        const NodeHandle first = package.createNode("BlobFinder", nullptr);
+        const NodeHandle second = package.createNode("BlobFinder", nullptr);
+        const auto map = [](const NodeHandle& node) {
+            return dynamic_cast<Core::INodeMapContainer&>(*node).getNodeMap("@Stagelet");
+        };
+        const auto valueOf = [](const GenApi::CNodeMapRef& nodes, const char* name) {
+            return dynamic_cast<GenApi::IValue&>(*nodes.GetNode(name)).ToString().str();
+        };
+        const std::vector<std::pair<const char*, const char*>> values = {
+            {"Polarity", "Dark"}, {"Threshold", "7"}, {"MinArea", "2147483647"}};
+        for (const auto& [name, value] : values) {
+            EXPECT_NE(valueOf(map(second), name), value);  // reads it into the map, which has to let go of it
+            dynamic_cast<GenApi::IValue&>(*map(first).GetNode(name)).FromString(value);
+        }
+        const auto store = std::make_shared<JsonSettings>();
+        dynamic_cast<Core::SimpleNode&>(*first).saveSettings(store);
+        dynamic_cast<Core::SimpleNode&>(*second).loadSettings(store);
+        for (const auto& [name, value] : values)
+            EXPECT_EQ(valueOf(map(second), name), value) << store->toText();
+        EXPECT_TRUE(isLoaded());
+    }
+    EXPECT_FALSE(isLoaded());
 }
 
 TEST_F(PackageTest, RefusesSettingsOutOfRange)
