@@ -1,6 +1,8 @@
 #pragma once
 
 // The whole of the node map interface.
+#include "genapi/chunkadapter.h"
+#include "genapi/eventadapter.h"
 #include "genapi/iboolean.h"
 #include "genapi/icategory.h"
 #include "genapi/icommand.h"

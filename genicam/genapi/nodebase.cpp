@@ -141,9 +141,10 @@ bool CNodeBase::TakeElement(ElementReader& element)
         streamable_ = element.YesNo();
     else if (element.Is("IsDeprecated"))
         deprecated_ = element.YesNo();
-    else if (element.Is("EventID"))
+    else if (element.Is("EventID")) {
         eventId_ = gcstring(element.Text());
-    else if (element.Is("ImposedAccessMode"))
+        eventNumber_ = element.HexDigits();
+    } else if (element.Is("ImposedAccessMode"))
         imposed_ = element.AccessMode();
     else if (element.Is("PollingTime"))
         pollingTime_ = std::max<int64_t>(element.Integer(), 0);

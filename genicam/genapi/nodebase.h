@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -155,6 +156,7 @@ private:
     gcstring displayName_;
     gcstring docuUrl_;
     gcstring eventId_;
+    std::optional<uint64_t> eventNumber_;
     // Several of one kind: all must say implemented and available, none locked.
     std::vector<NumberRef> implemented_;
     std::vector<NumberRef> available_;

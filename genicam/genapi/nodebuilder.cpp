@@ -99,6 +99,13 @@ int64_t ElementReader::IntegerOf(std::string_view text) const
     return *value;
 }
 
+uint64_t ElementReader::HexDigits() const
+{
+    const auto value = ParseHexDigits(text_);
+    if (!value) Refuse(quoted(text_) + " is no row of hexadecimal digits of 64 bits");
+    return *value;
+}
+
 double ElementReader::Float() const
 {
     const auto value = ParseFloat(text_);
@@ -199,7 +206,11 @@ void NodeBuilder::Build()
         Refuse(*at->node, at->element, finding.cause);
     }
     for (const auto& node : map_.nodes_) {
-        if (CPortNode* port = node->AsPort()) port->SealRegisters();
+        if (CPortNode* port = node->AsPort()) {
+            port->SealRegisters();
+            if (port->IsChunkPort()) map_.chunkPorts_.push_back(port);
+        }
+        if (node->eventNumber_) map_.eventNodes_[*node->eventNumber_].push_back(node.get());
         if (node->pollingTime_ >= 0) map_.polled_.push_back(node.get());
     }
     map_.reached_.reserve(2 * map_.nodes_.size());

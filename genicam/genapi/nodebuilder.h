@@ -47,6 +47,8 @@ public:
     bool TakeProse(gcstring& text) const;
     int64_t Integer() const;
     int64_t IntegerOf(std::string_view text) const;
+    /// Bare hexadecimal digits; a `0x` before them is met in the field.
+    uint64_t HexDigits() const;
     double Float() const;
     bool YesNo() const;
     bool Boolean() const;

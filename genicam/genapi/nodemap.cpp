@@ -56,6 +56,20 @@ CNodeMap::~CNodeMap()
         if (CPortNode* port = node->AsPort()) port->LetGo();
 }
 
+CNodeMap& CNodeMap::Of(INodeMap& map)
+{
+    if (auto* own = dynamic_cast<CNodeMap*>(&map)) return *own;
+    GENICAM_THROW(InvalidArgumentException, "Node map \"%s\" was not made by this runtime.",
+                  map.GetDeviceName().c_str());
+}
+
+const std::vector<CNodeBase*>& CNodeMap::EventNodes(uint64_t eventId) const
+{
+    static const std::vector<CNodeBase*> none;
+    const auto found = eventNodes_.find(eventId);
+    return found == eventNodes_.end() ? none : found->second;
+}
+
 void CNodeMap::GetNodes(NodeList_t& nodes) const
 {
     nodes.reserve(nodes.size() + nodes_.size());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -29,6 +30,9 @@ public:
     CNodeMap& operator=(const CNodeMap&) = delete;
     ~CNodeMap() override;
 
+    /// The map behind the interface; InvalidArgumentException for one of another make.
+    static CNodeMap& Of(INodeMap& map);
+
     void GetNodes(NodeList_t& nodes) const override;
     INode* GetNode(const gcstring& name) const override;
     void InvalidateNodes() const override;
@@ -49,6 +53,11 @@ public:
     void Invalidate(CNodeBase& start, bool fromSources);
     /// One evaluation of `node`; RuntimeException when the operation has had too many.
     void CountStep(const CNodeBase& node) const;
+
+    /// The Port nodes that read from chunks.
+    std::span<CPortNode* const> ChunkPorts() const { return chunkPorts_; }
+    /// The nodes that an event concerns.
+    const std::vector<CNodeBase*>& EventNodes(uint64_t eventId) const;
 
 private:
     friend class NodeBuilder;
@@ -74,6 +83,8 @@ private:
     std::vector<std::unique_ptr<CNodeBase>> nodes_;
     std::unordered_map<std::string_view, CNodeBase*> nodesByName_;
     std::vector<CNodeBase*> polled_;
+    std::vector<CPortNode*> chunkPorts_;
+    std::unordered_map<uint64_t, std::vector<CNodeBase*>> eventNodes_;
 
     // Guarded by lock_.
     mutable int nesting_ = 0;

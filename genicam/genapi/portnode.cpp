@@ -7,15 +7,29 @@
 #include "genapi/nodebuilder.h"
 #include "genapi/nodemap_impl.h"
 #include "genapi/registeraccess.h"
+#include "genapi/stringnode.h"
+#include "genapi/textconversion.h"
 
 namespace GenApi {
+
+namespace {
+
+constexpr int64_t wordSize = 4;
+
+void swapWords(std::span<uint8_t> bytes)
+{
+    for (auto word = bytes.begin(); word != bytes.end(); word += wordSize)
+        std::reverse(word, word + wordSize);
+}
+
+}  // namespace
 
 void CPortNode::Read(void* buffer, int64_t address, int64_t length)
 {
     Map().Operate([&] {
         RequireReadable();
         CheckLength(length);
-        Connected().Read(buffer, address, length);
+        ReadBytes({static_cast<uint8_t*>(buffer), static_cast<std::size_t>(length)}, address);
     });
 }
 
@@ -35,6 +49,7 @@ void CPortNode::Connect(IPort* port)
     informed_ = dynamic_cast<IPortConstruct*>(port);
     if (informed_) informed_->SetPortImpl(this);
     writtenWords_.clear();
+    if (!IsChunkPort()) memory_.Detach();
     Map().Invalidate(*this, true);
 }
 
@@ -46,14 +61,115 @@ void CPortNode::LetGo()
 
 void CPortNode::ReadBytes(std::span<uint8_t> bytes, int64_t address)
 {
-    Connected().Read(bytes.data(), address, static_cast<int64_t>(bytes.size()));
+    if (swapsWords_ && !ReadsMemory()) {
+        ReadSwapped(bytes, address);
+    } else {
+        ReadRaw(bytes, address);
+    }
+}
+
+void CPortNode::ReadRaw(std::span<uint8_t> bytes, int64_t address)
+{
+    const auto length = static_cast<int64_t>(bytes.size());
+    if (!ReadsMemory()) return Connected().Read(bytes.data(), address, length);
+    if (!memory_.Covers(address, length))
+        GENICAM_THROW(AccessException,
+                      "Port \"%s\": %lld bytes at address %lld are not among its %zu bytes of %s data.",
+                      Name().c_str(), static_cast<long long>(length), static_cast<long long>(address),
+                      memory_.Size(), IsChunkPort() ? "chunk" : "event");
+    memory_.Read(bytes, address);
+}
+
+void CPortNode::ReadSwapped(std::span<uint8_t> bytes, int64_t address)
+{
+    const Words words = WordsAround(address, static_cast<int64_t>(bytes.size()));
+    std::vector<uint8_t> buffer(words.size);
+    ReadRaw(buffer, words.address);
+    swapWords(buffer);
+    std::copy_n(buffer.begin() + words.lead, bytes.size(), bytes.begin());
+}
+
+void CPortNode::WriteRaw(std::span<const uint8_t> bytes, int64_t address)
+{
+    if (ReadsMemory())
+        GENICAM_THROW(AccessException, "Port \"%s\": %s data cannot be written.", Name().c_str(),
+                      IsChunkPort() ? "chunk" : "event");
+    Connected().Write(bytes.data(), address, static_cast<int64_t>(bytes.size()));
+}
+
+void CPortNode::WriteSwapped(std::span<const uint8_t> bytes, int64_t address)
+{
+    const Words words = WordsAround(address, static_cast<int64_t>(bytes.size()));
+    std::vector<uint8_t> buffer(words.size);
+    // Bytes beside the written ones, in the same words, must stay.
+    if (buffer.size() != bytes.size()) ReadRaw(buffer, words.address);
+    swapWords(buffer);
+    std::copy(bytes.begin(), bytes.end(), buffer.begin() + words.lead);
+    swapWords(buffer);
+    WriteRaw(buffer, words.address);
+}
+
+CPortNode::Words CPortNode::WordsAround(int64_t address, int64_t length) const
+{
+    // Counted in unsigned numbers: the address may lie anywhere.
+    const auto lead = static_cast<int64_t>(static_cast<uint64_t>(address) % wordSize);
+    const int64_t size = (lead + length + wordSize - 1) / wordSize * wordSize;
+    if (address > std::numeric_limits<int64_t>::max() - size)
+        GENICAM_THROW(RuntimeException, "Port \"%s\": address %lld has no whole words behind it.", Name().c_str(),
+                      static_cast<long long>(address));
+    return {address - lead, lead, static_cast<std::size_t>(size)};
+}
+
+EAccessMode CPortNode::BaseMode() const
+{
+    if (ReadsMemory()) return RO;
+    return connected_ ? connected_->GetAccessMode() : NA;
+}
+
+void CPortNode::DropChunk()
+{
+    if (!memory_.IsAttached()) return;
+    memory_.Detach();
+    Map().Invalidate(*this, true);
+}
+
+void CPortNode::ReleaseChunk()
+{
+    if (!memory_.IsCopy()) DropChunk();
+}
+
+void CPortNode::LearnChunkId()
+{
+    if (!chunkIdNode_) return;
+    chunkId_.reset();
+    if (IsReadable(chunkIdNode_->Mode())) chunkId_ = ParseHexDigits(chunkIdNode_->ReadString(false).view());
+}
+
+void CPortNode::OfferChunk(uint64_t id, std::span<const uint8_t> data)
+{
+    if (chunkId_ != id || memory_.IsAttached()) return;
+    if (keepsChunk_) {
+        memory_.Copy(data);
+    } else {
+        memory_.Attach(data);
+    }
+    Map().Invalidate(*this, true);
+}
+
+void CPortNode::TakeEventData(std::span<const uint8_t> data)
+{
+    if (!connected_) memory_.Copy(data);
 }
 
 void CPortNode::WriteBytes(std::span<const uint8_t> bytes, int64_t address)
 {
     const auto length = static_cast<int64_t>(bytes.size());
     try {
-        Connected().Write(bytes.data(), address, length);
+        if (swapsWords_ && !ReadsMemory()) {
+            WriteSwapped(bytes, address);
+        } else {
+            WriteRaw(bytes, address);
+        }
     } catch (...) {
         ForgetBytes(address, length);
         throw;
@@ -110,9 +226,17 @@ void CPortNode::Forget(RegisterAccess& reg, int64_t address, int64_t length)
 
 bool CPortNode::TakeElement(ElementReader& element)
 {
-    if (element.IsOneOf({"ChunkID", "pChunkID"})) element.RefuseUnsupported();
-    if (element.Is("SwapEndianess") && element.YesNo()) element.RefuseUnsupported();
-    return CNodeBase::TakeElement(element);
+    if (element.Is("ChunkID"))
+        chunkId_ = element.HexDigits();
+    else if (element.Is("pChunkID"))
+        chunkIdNode_ = &element.String(Link::Parameter);
+    else if (element.IsOneOf({"SwapEndianess", "SwapEndianness"}))
+        swapsWords_ = element.YesNo();
+    else if (element.Is("CacheChunkData"))
+        keepsChunk_ = element.YesNo();
+    else
+        return CNodeBase::TakeElement(element);
+    return true;
 }
 
 }  // namespace GenApi

@@ -78,7 +78,17 @@ void RegisterAccess::Finish(ElementReader& own, int64_t shortest, int64_t longes
 
 EAccessMode RegisterAccess::Mode() const
 {
-    return Combine(declared_, port_->Mode());
+    const EAccessMode mode = Combine(declared_, port_->Mode());
+    if (!IsAvailable(mode) || !port_->Memory().IsAttached()) return mode;
+    return LiesInMemory() ? mode : NA;
+}
+
+bool RegisterAccess::LiesInMemory() const
+{
+    const auto isUnreadable = [](const NumberRef& node) { return node && !node.IsReadable(); };
+    for (const AddressPart& part : parts_)
+        if (isUnreadable(part.node) || isUnreadable(part.step.Reference())) return false;
+    return !isUnreadable(length_.Reference()) && port_->Memory().Covers(Address(), Length());
 }
 
 int64_t RegisterAccess::Address() const

@@ -56,6 +56,7 @@ private:
         bool isIndex;
     };
 
+    bool LiesInMemory() const;
     void TakeIndex(ElementReader& element);
     void TakeConstantAddress(const ElementReader& element);
     void Keep(int64_t address, std::span<const uint8_t> bytes);

@@ -88,6 +88,11 @@ std::string_view Trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
+std::optional<uint64_t> ParseHexDigits(std::string_view text)
+{
+    return parseWhole<uint64_t>(hasHexPrefix(text) ? text.substr(2) : text, 16);
+}
+
 std::optional<int64_t> ParseInteger(std::string_view text)
 {
     text = Trimmed(text);

@@ -20,6 +20,8 @@ std::string_view Trimmed(std::string_view text);
 std::optional<int64_t> ParseInteger(std::string_view text);
 /// Also reads `192.168.0.1` and `00:11:22:33:44:55` where the representation says so.
 std::optional<int64_t> ParseInteger(std::string_view text, ERepresentation representation);
+/// Up to 16 hexadecimal digits with or without `0x`.
+std::optional<uint64_t> ParseHexDigits(std::string_view text);
 std::string FormatInteger(int64_t value, ERepresentation representation);
 
 /// A decimal number with or without fraction and exponent, `INF`, `-INF`, `NaN`, or what ParseInteger reads.

@@ -93,7 +93,11 @@ TEST(Refusals, NameNodeAndCause)
          "<IntSwissKnife>: this element is not supported"},
         {Node("SwissKnife", "K", ""), "SwissKnife \"K\": nodes of this kind are not supported"},
         {Node("Group", "", Node("Widget", "W", "")), "Widget \"W\": there is no such kind of node"},
-        {Node("Port", "P", "<ChunkID>1</ChunkID>"), "Port \"P\", <ChunkID>: this element is not supported"}};
+        {Node("Port", "P", "<ChunkID>1g</ChunkID>"),
+         "Port \"P\", <ChunkID>: \"1g\" is no row of hexadecimal digits"},
+        {Node("Port", "P", "<pChunkID>R</pChunkID>") + Node("Integer", "R", value), "not a node with a text"},
+        {Node("Integer", "A", value + "<EventID>11223344556677889</EventID>"),
+         "<EventID>: \"11223344556677889\""}};
     for (const auto& [nodes, part] : cases)
         ExpectRefused(Description(nodes), part);
 }
