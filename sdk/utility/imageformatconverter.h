@@ -1,7 +1,7 @@
 #pragma once
 
 #include "utility/image.h"
-#include "utility/parameter.h"
+#include "utility/setting.h"
 
 namespace Nivex {
 
@@ -58,11 +58,11 @@ public:
     CImageFormatConverter(const CImageFormatConverter&) = delete;
     CImageFormatConverter& operator=(const CImageFormatConverter&) = delete;
 
-    CEnumParameter<EPixelType> OutputPixelFormat;                ///< Initially BGRA8Packed.
-    CEnumParameter<OutputBitAlignmentEnums> OutputBitAlignment;  ///< Initially MsbAligned.
-    CEnumParameter<OutputOrientationEnums> OutputOrientation;    ///< Initially Unchanged.
-    CIntegerParameter OutputPaddingX;                            ///< Bytes per row, 0 to 4294967295; initially 0.
-    CIntegerParameter MaxNumThreads;                             ///< 1 to 64; initially one per core.
+    CEnumSetting<EPixelType> OutputPixelFormat;                ///< Initially BGRA8Packed.
+    CEnumSetting<OutputBitAlignmentEnums> OutputBitAlignment;  ///< Initially MsbAligned.
+    CEnumSetting<OutputOrientationEnums> OutputOrientation;    ///< Initially Unchanged.
+    CIntegerSetting OutputPaddingX;                            ///< Bytes per row, 0 to 4294967295; initially 0.
+    CIntegerSetting MaxNumThreads;                             ///< 1 to 64; initially one per core.
 
     static bool IsSupportedInputFormat(EPixelType pixelType);
     static bool IsSupportedOutputFormat(EPixelType pixelType);

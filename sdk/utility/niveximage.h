@@ -66,6 +66,17 @@ public:
                           std::uint32_t height, std::size_t paddingX, EImageOrientation orientation,
                           std::function<void()> releaseHandler = {});
 
+    /// Shows the picture of a grab result (a CGrabResultPtr) without a copy. The grab buffer stays out of its
+    /// camera's queue until the last image that shares it lets go. Refusals are those of AttachUserBuffer, and
+    /// that of a pointer without result.
+    template <typename GrabResultPtr>
+    void AttachGrabResultBuffer(const GrabResultPtr& result)
+    {
+        AttachUserBuffer(result->GetBuffer(), result->GetBufferSize(), result->GetPixelType(), result->GetWidth(),
+                         result->GetHeight(), result->GetPaddingX(), EImageOrientation::TopDown,
+                         [keptResult = result] {});
+    }
+
 private:
     std::shared_ptr<std::byte> buffer_;  ///< Null when empty; all other members then have the values below.
     std::size_t bufferSize_ = 0;

@@ -5,7 +5,7 @@
 #include "gcbase/gcstring.h"
 
 #include "utility/image.h"
-#include "utility/parameter.h"
+#include "utility/setting.h"
 
 namespace Nivex {
 
@@ -46,11 +46,11 @@ public:
     CVideoWriter(const CVideoWriter&) = delete;
     CVideoWriter& operator=(const CVideoWriter&) = delete;
 
-    CIntegerParameter Width;             ///< Of the pictures, 1 to 16384; initially 640.
-    CIntegerParameter Height;            ///< Of the pictures, 1 to 16384; initially 480.
-    CFloatParameter PlayBackFrameRate;   ///< Pictures per second when played, 0.01 to 1000; initially 25.
-    CFloatParameter RecordingFrameRate;  ///< Pictures per second that are added, 0.01 to 1000; initially 25. If it
-                                         ///< is the lower one, fragments hold half a second of it.
+    CIntegerSetting Width;             ///< Of the pictures, 1 to 16384; initially 640.
+    CIntegerSetting Height;            ///< Of the pictures, 1 to 16384; initially 480.
+    CFloatSetting PlayBackFrameRate;   ///< Pictures per second when played, 0.01 to 1000; initially 25.
+    CFloatSetting RecordingFrameRate;  ///< Pictures per second that are added, 0.01 to 1000; initially 25. If it
+                                       ///< is the lower one, fragments hold half a second of it.
 
     /// Raises RuntimeException if a video is open, if there is no encoder (naming those looked for), or if the
     /// file can't be made (naming path and cause), and then leaves no file behind.

@@ -123,7 +123,7 @@ void ImageFormatConverter::buildParameters()
     own.paddingX = map.addFeature(std::make_shared<Private::PaddingXPort>(
         *this, Parameters::outputPaddingX, Parameters::outputPaddingXRange, "Linear"));
 
-    const Nivex::CIntegerParameter& threads = own.converter.MaxNumThreads;
+    const Nivex::CIntegerSetting& threads = own.converter.MaxNumThreads;
     const Nivex::ParameterTexts& texts = threads.GetTexts();
     own.maxNumThreads = map.addFeature(std::make_shared<Private::MaxNumThreadsPort>(
         *this,

@@ -11,7 +11,7 @@
 
 namespace Nivex {
 
-/// The fixed texts of a parameter object.
+/// The fixed texts of a setting.
 struct ParameterTexts
 {
     GenICam::gcstring name;
@@ -21,14 +21,13 @@ struct ParameterTexts
 };
 
 /// An integer with limits, owned by an SDK object. Not synchronised.
-class CIntegerParameter
+class CIntegerSetting
 {
 public:
-    CIntegerParameter(ParameterTexts texts, std::int64_t value, std::int64_t min, std::int64_t max,
-                      std::int64_t inc = 1)
+    CIntegerSetting(ParameterTexts texts, std::int64_t value, std::int64_t min, std::int64_t max,
+                    std::int64_t inc = 1)
         : texts_(std::move(texts)), value_(value), min_(min), max_(max), inc_(inc)
-    {
-    }
+    {}
 
     std::int64_t GetValue() const { return value_; }
     std::int64_t GetMin() const { return min_; }
@@ -56,13 +55,12 @@ private:
 };
 
 /// A floating-point number with limits, owned by an SDK object. Not synchronised.
-class CFloatParameter
+class CFloatSetting
 {
 public:
-    CFloatParameter(ParameterTexts texts, double value, double min, double max)
+    CFloatSetting(ParameterTexts texts, double value, double min, double max)
         : texts_(std::move(texts)), value_(value), min_(min), max_(max)
-    {
-    }
+    {}
 
     double GetValue() const { return value_; }
     double GetMin() const { return min_; }
@@ -90,13 +88,12 @@ private:
 
 /// A choice among given values, owned by an SDK object. Not synchronised.
 template <typename E>
-class CEnumParameter
+class CEnumSetting
 {
 public:
-    CEnumParameter(ParameterTexts texts, E value, std::vector<E> entries)
+    CEnumSetting(ParameterTexts texts, E value, std::vector<E> entries)
         : texts_(std::move(texts)), value_(value), entries_(std::move(entries))
-    {
-    }
+    {}
 
     E GetValue() const { return value_; }
     const std::vector<E>& GetEntries() const { return entries_; }
