@@ -28,11 +28,12 @@ public:
         }
     };
 
-    /// Opens the account anew, with a limit of updates that may be offered (0: none).
+    /// Opens the account anew, with a limit of updates that may begin (0: none).
     void reset(std::uint64_t limit)
     {
         std::lock_guard guard(mutex_);
         account_ = {};
+        begun_ = 0;
         limit_ = limit;
     }
 
@@ -40,7 +41,8 @@ public:
     bool tryOffer()
     {
         std::lock_guard guard(mutex_);
-        if (limit_ != 0 && account_.offered >= limit_) return false;
+        if (limit_ != 0 && begun_ >= limit_) return false;
+        ++begun_;
         ++account_.offered;
         return true;
     }
@@ -52,7 +54,7 @@ public:
         ++(cause ? account_.lost[static_cast<std::size_t>(*cause)] : account_.finished);
     }
 
-    /// Counts losses of what never became an update.
+    /// Counts losses of what never became an update; they are offered, but not part of the limit.
     void miss(Core::LossCause cause, std::uint64_t count)
     {
         std::lock_guard guard(mutex_);
@@ -63,7 +65,7 @@ public:
     bool isLimitReached() const
     {
         std::lock_guard guard(mutex_);
-        return limit_ != 0 && account_.offered >= limit_;
+        return limit_ != 0 && begun_ >= limit_;
     }
 
     Account read() const
@@ -73,8 +75,9 @@ public:
     }
 
 private:
-    mutable std::mutex mutex_;  // guards both members
+    mutable std::mutex mutex_;  // guards all members
     Account account_;
+    std::uint64_t begun_ = 0;
     std::uint64_t limit_ = 0;
 };
 
