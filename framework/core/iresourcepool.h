@@ -33,7 +33,8 @@ public:
     virtual ~IResource() = default;
 };
 
-/// The resources of one recipe. Any thread may call any operation.
+/// The resources of one recipe. Any thread may call any operation; none of them calls a node while it holds a lock
+/// of its own.
 class GENICAM_API IResourcePool
 {
 public:
@@ -42,12 +43,15 @@ public:
     virtual std::shared_ptr<Threading::ThreadPool> getThreadPool() = 0;
     virtual std::shared_ptr<IBufferProvider> getBufferProvider() = 0;
 
-    /// The known resources of a type whose description holds all properties of `wanted`.
+    /// The known resources of a type (or a type derived from it) whose description holds all properties of
+    /// `wanted` with the same values; all of them if it is empty. The first query looks for them, which may take a
+    /// second.
     virtual std::map<ResourceInfo, std::shared_ptr<IResource>> query(const Utils::TypeInfo& type,
                                                                      const ResourceInfo& wanted) = 0;
-    /// Looks anew for resources of a type.
+    /// Looks anew for resources of a type. Those that stayed keep their objects. Does nothing for a type that the
+    /// pool does not know.
     virtual void refresh(const Utils::TypeInfo& type) = 0;
-    /// Fired, on the thread that looked, after the list of resources changed.
+    /// Fired, on the thread that called `refresh`, after the list of resources changed.
     virtual Utils::ISignal<void()>& getResourcesChangedSignal() = 0;
 };
 
