@@ -1,0 +1,128 @@
+#include "camera/configurationsets.h"
+
+#include <utility>
+
+#include "camera/cameralog.h"
+#include "camera/featurestream.h"
+
+namespace Plugin::NivexStageletPackageBase {
+
+namespace Utils = Nivex::DataProcessing::Utils;
+using GenICam::gcstring;
+
+namespace {
+
+constexpr const char* identifiers[] = {"@CameraDevice", "@CameraInstance", "@DeviceTransportLayer",
+                                       "@StreamGrabber0"};
+
+constexpr const char* invalidText = "The provided configuration set could not be committed because it is invalid.";
+
+const gcstring& textOf(const ConfigurationSets::Texts& texts, const gcstring& identifier)
+{
+    static const gcstring none;
+    const auto found = texts.find(identifier);
+    return found == texts.end() ? none : found->second;
+}
+
+}  // namespace
+
+const char* nodeMapIdentifier(StreamType type) noexcept
+{
+    return identifiers[static_cast<std::size_t>(type)];
+}
+
+const gcstring& ConfigurationSets::getStaged(const gcstring& identifier) const
+{
+    return textOf(staged_, identifier);
+}
+
+const gcstring& ConfigurationSets::getActive(const gcstring& identifier) const
+{
+    return textOf(active_, identifier);
+}
+
+gcstring ConfigurationSets::normalised(const gcstring& text, const char* operation) const
+{
+    std::optional<gcstring> result = normaliseFeatureStream(text.view());
+    if (!result) CAMERA_REFUSE(RuntimeException, node_, operation, invalidText);
+    return *std::move(result);
+}
+
+void ConfigurationSets::setStaged(const gcstring& identifier, const gcstring& text)
+{
+    staged_[identifier] = normalised(text, "setCfgSetStagedContent");
+}
+
+void ConfigurationSets::fetch(const gcstring& identifier, const Save& save)
+{
+    const auto logAndRaise = [this](const char* text) {
+        Utils::createLogEntry(Utils::SeverityRefused, cameraChannel(),
+                              "Camera %p: Exception caught while fetching feature stream. Message: \"%s\"", node_,
+                              text);
+        GENICAM_THROW(RuntimeException, "%s", text);
+    };
+    gcstring text;
+    try {
+        text = save(identifier);
+    } catch (const GenICam::GenericException& e) {
+        logAndRaise(e.GetDescription());
+    } catch (const std::exception& e) {
+        logAndRaise(e.what());
+    } catch (...) {
+        CAMERA_REFUSE(RuntimeException, node_, "executeCfgSetFetch",
+                      "Unknown exception caught while fetching feature stream.");
+    }
+    staged_[identifier] = std::move(text);
+}
+
+void ConfigurationSets::commit(const gcstring& identifier, const Load& load)
+{
+    const gcstring text = normalised(getStaged(identifier), "executeCfgSetCommit");
+    if (load) transfer(identifier, text, load);
+    staged_[identifier] = text;
+    active_[identifier] = text;
+}
+
+void ConfigurationSets::clear(const gcstring& identifier)
+{
+    staged_.erase(identifier);
+    active_.erase(identifier);
+}
+
+void ConfigurationSets::apply(const Load& load) const
+{
+    try {
+        for (const auto& [identifier, text] : active_) {
+            transfer(identifier, text, load);
+        }
+    } catch (const GenICam::RuntimeException&) {
+        CAMERA_REFUSE(RuntimeException, node_, "allocateAdditionalResources",
+                      "Failed to load feature streams from active configuration set.");
+    }
+}
+
+void ConfigurationSets::transfer(const gcstring& identifier, const gcstring& text, const Load& load) const
+{
+    if (text.empty()) return;
+    try {
+        load(identifier, text);
+    } catch (...) {
+        Utils::createLogEntry(Utils::SeverityRefused, cameraChannel(),
+                              "Camera %p: Exception caught while loading the feature stream of \"%s\". "
+                              "Message: \"%s\"",
+                              node_, identifier.c_str(), GenICam::describeCurrentException().c_str());
+        CAMERA_REFUSE(RuntimeException, node_, "transferCfgSetActiveContentToCamera",
+                      "Failed to load camera feature stream from active configuration set.");
+    }
+}
+
+ConfigurationSets::Texts ConfigurationSets::getActiveTexts() const
+{
+    Texts texts;
+    for (const auto& [identifier, text] : active_) {
+        if (!text.empty()) texts.emplace(identifier, text);
+    }
+    return texts;
+}
+
+}  // namespace Plugin::NivexStageletPackageBase

@@ -1,0 +1,93 @@
+#include "camera/featurestream.h"
+
+#include <algorithm>
+#include <string>
+
+namespace Plugin::NivexStageletPackageBase {
+
+namespace {
+
+bool isLetter(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+bool isNameCharacter(char c)
+{
+    return isLetter(c) || (c >= '0' && c <= '9');
+}
+
+bool isSpace(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+template <typename IsMember>
+std::size_t endOfRun(std::string_view line, std::size_t start, const IsMember& isMember)
+{
+    while (start < line.size() && isMember(line[start]))
+        ++start;
+    return start;
+}
+
+bool isAt(std::string_view line, std::size_t position, char c)
+{
+    return position < line.size() && line[position] == c;
+}
+
+/// Also a name with other characters in it counts, such as an underscore, if it ends in a letter.
+bool isFeature(std::string_view line, std::size_t nameLength)
+{
+    if (nameLength > 0 && isAt(line, nameLength, '\t')) return true;
+    const auto isEnd = [](char letter, char tab) { return isLetter(letter) && tab == '\t'; };
+    return std::adjacent_find(line.begin(), line.end(), isEnd) != line.end();
+}
+
+}  // namespace
+
+FeatureLine classifyFeatureLine(std::string_view line)
+{
+    if (isAt(line, endOfRun(line, 0, isSpace), '#')) return {FeatureLineKind::Comment};
+    const std::size_t nameLength = endOfRun(line, 0, isNameCharacter);
+    const std::size_t separator = endOfRun(line, nameLength, isSpace);
+    if (nameLength > 0 && isAt(line, separator, '=')) {
+        return {FeatureLineKind::Assignment, nameLength, endOfRun(line, separator + 1, isSpace)};
+    }
+    return {isFeature(line, nameLength) ? FeatureLineKind::Feature : FeatureLineKind::Invalid};
+}
+
+std::optional<GenICam::gcstring> normaliseFeatureStream(std::string_view text)
+{
+    std::string body;
+    body.reserve(text.size() + featureStreamHeader.size() + 1);
+    bool hasHeader = false;
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::size_t length = std::min(rest.find('\n'), rest.size());
+        const std::string_view line = rest.substr(0, length);
+        const FeatureLine found = classifyFeatureLine(line);
+        switch (found.kind) {
+            case FeatureLineKind::Invalid:
+                return std::nullopt;
+            case FeatureLineKind::Assignment:
+                body.append(line.substr(0, found.nameLength))
+                    .append(1, '\t')
+                    .append(line.substr(found.valueStart));
+                break;
+            case FeatureLineKind::Comment:
+                hasHeader = hasHeader || line.find(featureStreamHeader) != std::string_view::npos;
+                body.append(line);
+                break;
+            case FeatureLineKind::Feature:
+                body.append(line);
+                break;
+        }
+        rest.remove_prefix(length);
+        if (rest.empty()) break;
+        body.append(1, '\n');
+        rest.remove_prefix(1);
+    }
+    if (!text.empty() && !hasHeader) body.insert(0, std::string(featureStreamHeader) + '\n');
+    return GenICam::gcstring(std::move(body));
+}
+
+}  // namespace Plugin::NivexStageletPackageBase
