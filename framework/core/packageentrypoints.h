@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdlib>
+#include <cstring>
 #include <memory>
 
 #include "core/iresourcepool.h"
@@ -28,6 +30,17 @@ using CreateInfo = char* (*)();
 /// null.
 inline constexpr const char* destroyInfoName = "destroy_Info";
 using DestroyInfo = void (*)(char** holder);
+
+/// What a package's functions of information do: copyInfo gives a text to its new owner, freeInfo ends it.
+inline char* copyInfo(const char* text)
+{
+    return strdup(text);
+}
+inline void freeInfo(char** holder)
+{
+    std::free(*holder);
+    *holder = nullptr;
+}
 
 /// Followed by the module's name. Gives a new node, which the caller owns and gives back to the module's destroy
 /// function. What the node's constructor throws comes through; there is no null result.

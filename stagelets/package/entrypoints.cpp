@@ -1,7 +1,4 @@
 // The package's face towards a host; see core/packageentrypoints.h. Nothing here but forwarding.
-#include <cstdlib>
-#include <cstring>
-
 #include "gcbase/exception.h"
 
 #include "core/packageentrypoints.h"
@@ -25,8 +22,7 @@ GENICAM_API int get_InterfaceVersion()
 
 GENICAM_API char* create_StaticInfo()
 {
-    const std::size_t size = Stagelets::manifestSize + 1;
-    return static_cast<char*>(std::memcpy(std::malloc(size), Stagelets::manifest, size));
+    return Package::copyInfo(Stagelets::manifest);
 }
 
 GENICAM_API char* create_DynamicInfo()
@@ -36,8 +32,7 @@ GENICAM_API char* create_DynamicInfo()
 
 GENICAM_API void destroy_Info(char** holder)
 {
-    std::free(*holder);
-    *holder = nullptr;
+    Package::freeInfo(holder);
 }
 
 GENICAM_API Core::NodeBase* create_Camera(const Pool& /*pool*/)

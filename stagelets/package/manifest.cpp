@@ -111,6 +111,5 @@ R"(",
 }  // namespace
 
 const char* const manifest = text;
-const std::size_t manifestSize = sizeof(text) - 1;
 
 }  // namespace Plugin::NivexStageletPackageBase

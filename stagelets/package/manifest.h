@@ -1,11 +1,8 @@
 #pragma once
 
-#include <cstddef>
-
 namespace Plugin::NivexStageletPackageBase {
 
-/// The package's manifest: a JSON document in UTF-8 with an ending zero, which is not counted in its size.
+/// The package's manifest: a JSON document in UTF-8 with an ending zero.
 extern const char* const manifest;
-extern const std::size_t manifestSize;
 
 }  // namespace Plugin::NivexStageletPackageBase
