@@ -24,7 +24,7 @@ struct Picture
     std::size_t width, height;
     std::vector<std::uint8_t> pixels = std::vector<std::uint8_t>(width * height);
 
-    GreyPicture view() const { return {pixels.data(), width, height}; }
+    GreyPicture view() const { return {pixels.data(), static_cast<int>(width), static_cast<int>(height)}; }
 };
 
 /// A picture drawn in characters: '#' is 200, all else 50.
@@ -68,8 +68,8 @@ TEST(BlobsTest, SmallFiguresAreExact)
     };
     const BlobSettings bright{Polarity::Bright, 128, 1};
     const BlobSettings dark{Polarity::Dark, 128, 1};
-    const auto blob = [](std::uint64_t area, double x, double y, std::size_t left, std::size_t top,
-                         std::size_t width, std::size_t height, double brightness = 200) {
+    const auto blob = [](int area, double x, double y, int left, int top, int width, int height,
+                         double brightness = 200) {
         Blob result;
         result.area = area;
         result.centerX = x;
@@ -178,9 +178,8 @@ TEST(BlobsTest, AgreesWithOpenCv)
                                                                 centroids.at<double>(i, 1) + 0.5);
         }
         for (const Blob& blob : blobs) {
-            found[{static_cast<int>(blob.area), static_cast<int>(blob.left), static_cast<int>(blob.top),
-                   static_cast<int>(blob.width), static_cast<int>(blob.height)}]
-                .emplace_back(blob.centerX, blob.centerY);
+            found[{blob.area, blob.left, blob.top, blob.width, blob.height}].emplace_back(blob.centerX,
+                                                                                          blob.centerY);
         }
         ASSERT_EQ(found.size(), judged.size());
         for (auto& [figures, centers] : judged) {

@@ -159,7 +159,7 @@ TEST_F(PackageTest, RefusesSettingsOutOfRange)
                                       STAGELET_LIB_DIR "/libNivexStageletPackageBase.so", "--package",
                                       STAGELET_LIB_DIR "/libBlobPackage.so"});
         EXPECT_EQ(ended.code, 3) << ended.err;
-        EXPECT_THAT(ended.err, HasSubstr(name + " is " + std::to_string(value) + " but must lie between"));
+        EXPECT_THAT(ended.err, HasSubstr(name + " is " + std::to_string(value) + " but must "));
     }
 }
 

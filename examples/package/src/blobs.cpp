@@ -2,165 +2,85 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
+#include <utility>
 
 namespace Inspection {
 
 namespace {
 
-/// The moments of a figure of unit squares about its own centre. Added this way they stay exact to rounding,
-/// however far from the origin the figure lies.
-struct Moments
+struct Pixel
 {
-    double area = 0.0;
-    double x = 0.0, y = 0.0;              // the centre
-    double xx = 0.0, yy = 0.0, xy = 0.0;  // the sums of the squares of distances from it
-
-    void add(const Moments& other)
-    {
-        const double whole = area + other.area;
-        const double dx = other.x - x;
-        const double dy = other.y - y;
-        const double weight = area * other.area / whole;
-        xx += other.xx + dx * dx * weight;
-        yy += other.yy + dy * dy * weight;
-        xy += other.xy + dx * dy * weight;
-        x += dx * other.area / whole;
-        y += dy * other.area / whole;
-        area = whole;
-    }
+    int x, y;
 };
 
-/// Pixels of one row that follow each other, from `begin` up to, not including, `end`.
-struct Run
+std::size_t placeOf(const GreyPicture& picture, Pixel pixel)
 {
-    std::size_t row, begin, end;
-    std::uint64_t brightness;
-
-    Moments moments() const
-    {
-        const double length = static_cast<double>(end - begin);
-        return {.area = length,
-                .x = static_cast<double>(begin) + length / 2,
-                .y = static_cast<double>(row) + 0.5,
-                .xx = length * length * length / 12,
-                .yy = length / 12};
-    }
-};
-
-/// Groups that grow together. A group is known by its first member.
-class Groups
-{
-public:
-    explicit Groups(std::size_t count) : parents_(count) { std::iota(parents_.begin(), parents_.end(), 0U); }
-
-    std::size_t find(std::size_t member)
-    {
-        while (parents_[member] != member)
-            member = parents_[member] = parents_[parents_[member]];
-        return member;
-    }
-    void join(std::size_t a, std::size_t b)
-    {
-        const auto [first, second] = std::minmax({find(a), find(b)});
-        parents_[second] = first;
-    }
-
-private:
-    std::vector<std::size_t> parents_;
-};
-
-std::vector<Run> findRuns(const GreyPicture& picture, const BlobSettings& settings)
-{
-    const bool bright = settings.polarity == Polarity::Bright;
-    const auto isInside = [&](std::uint8_t pixel) { return (pixel >= settings.threshold) == bright; };
-    std::vector<Run> runs;
-    for (std::size_t row = 0; row < picture.height; ++row) {
-        const std::uint8_t* const first = picture.pixels + row * picture.width;
-        const std::uint8_t* const last = first + picture.width;
-        for (const std::uint8_t* end = first; end != last;) {
-            const std::uint8_t* const begin = std::find_if(end, last, isInside);
-            if (begin == last) break;
-            end = std::find_if_not(begin, last, isInside);
-            runs.push_back({row, static_cast<std::size_t>(begin - first), static_cast<std::size_t>(end - first),
-                            std::accumulate(begin, end, std::uint64_t{0})});
-        }
-    }
-    return runs;
+    return static_cast<std::size_t>(pixel.y) * static_cast<std::size_t>(picture.width) +
+           static_cast<std::size_t>(pixel.x);
 }
 
-/// Joins the runs that touch runs of the row above, at corners too.
-Groups connect(const std::vector<Run>& runs)
+/// A pixel and all that hang together with it, which don't wait any longer then.
+std::vector<Pixel> takeFigure(const GreyPicture& picture, std::vector<char>& isWaiting, Pixel first)
 {
-    Groups groups(runs.size());
-    std::size_t above = 0;
-    for (std::size_t i = 0; i < runs.size(); ++i) {
-        const Run& run = runs[i];
-        while (runs[above].row + 1 < run.row || (runs[above].row + 1 == run.row && runs[above].end < run.begin))
-            ++above;
-        for (std::size_t j = above; runs[j].row + 1 == run.row && runs[j].begin <= run.end; ++j)
-            groups.join(i, j);
+    std::vector<Pixel> figure;
+    const auto take = [&](Pixel pixel) {
+        const bool isInside = pixel.x >= 0 && pixel.x < picture.width && pixel.y >= 0 && pixel.y < picture.height;
+        if (isInside && std::exchange(isWaiting[placeOf(picture, pixel)], 0)) figure.push_back(pixel);
+    };
+    take(first);
+    for (std::size_t i = 0; i < figure.size(); ++i) {  // grows on the way
+        const Pixel center = figure[i];
+        for (int neighbour = 0; neighbour < 9; ++neighbour)
+            take({center.x - 1 + neighbour % 3, center.y - 1 + neighbour / 3});
     }
-    return groups;
+    return figure;
 }
 
-struct Collected
+/// A pixel is a square, which has a variance of 1/12 itself; a full ellipse of radius r has one of r^2 / 4.
+Blob measure(const GreyPicture& picture, const std::vector<Pixel>& figure)
 {
-    Moments moments;
-    std::uint64_t brightness = 0;
-    std::size_t left = ~std::size_t{0}, right = 0, top = 0, bottom = 0;
-
-    void add(const Run& run)
-    {
-        if (moments.area == 0.0) top = run.row;
-        moments.add(run.moments());
-        brightness += run.brightness;
-        left = std::min(left, run.begin);
-        right = std::max(right, run.end);
-        bottom = run.row + 1;
-    }
-};
-
-/// The ellipse of the same second moments: a full one of radius r has a variance of r^2 / 4 along that axis.
-Blob describe(const Collected& collected)
-{
-    const Moments& m = collected.moments;
-    const double mean = (m.xx + m.yy) / (2 * m.area);
-    const double half = (m.xx - m.yy) / (2 * m.area);
-    const double covariance = m.xy / m.area;
-    const double spread = std::hypot(half, covariance);
-    return {.area = static_cast<std::uint64_t>(m.area),
-            .centerX = m.x,
-            .centerY = m.y,
-            .majorRadius = 2 * std::sqrt(mean + spread),
-            .minorRadius = 2 * std::sqrt(std::max(mean - spread, 0.0)),
-            .rotation = std::atan2(covariance, half) / 2,
-            .brightness = static_cast<double>(collected.brightness) / m.area,
-            .left = collected.left,
-            .top = collected.top,
-            .width = collected.right - collected.left,
-            .height = collected.bottom - collected.top};
+    const auto meanOf = [&figure](const auto& quantity) {
+        double sum = 0.0;
+        for (const Pixel pixel : figure)
+            sum += quantity(pixel);
+        return sum / static_cast<double>(figure.size());
+    };
+    const double x = meanOf([](Pixel p) { return p.x + 0.5; });
+    const double y = meanOf([](Pixel p) { return p.y + 0.5; });
+    const double xx = meanOf([x](Pixel p) { return (p.x + 0.5 - x) * (p.x + 0.5 - x); }) + 1.0 / 12;
+    const double yy = meanOf([y](Pixel p) { return (p.y + 0.5 - y) * (p.y + 0.5 - y); }) + 1.0 / 12;
+    const double xy = meanOf([x, y](Pixel p) { return (p.x + 0.5 - x) * (p.y + 0.5 - y); });
+    const double spread = std::hypot((xx - yy) / 2, xy);
+    const auto [left, right] = std::ranges::minmax(figure, {}, &Pixel::x);
+    const auto [top, bottom] = std::ranges::minmax(figure, {}, &Pixel::y);
+    return {.area = static_cast<int>(figure.size()),
+            .left = left.x,
+            .top = top.y,
+            .width = right.x + 1 - left.x,
+            .height = bottom.y + 1 - top.y,
+            .centerX = x,
+            .centerY = y,
+            .majorRadius = 2 * std::sqrt((xx + yy) / 2 + spread),
+            .minorRadius = 2 * std::sqrt((xx + yy) / 2 - spread),
+            .rotation = std::atan2(xy, (xx - yy) / 2) / 2,
+            .brightness = meanOf([&picture](Pixel p) { return picture.pixels[placeOf(picture, p)]; })};
 }
 
 }  // namespace
 
 std::vector<Blob> findBlobs(const GreyPicture& picture, const BlobSettings& settings)
 {
-    const std::vector<Run> runs = findRuns(picture, settings);
-    Groups groups = connect(runs);
-    std::vector<std::size_t> places(runs.size());  // of groups, at their first members
-    std::vector<Collected> collected;
-    for (std::size_t i = 0; i < runs.size(); ++i) {
-        const std::size_t first = groups.find(i);
-        if (first == i) {
-            places[i] = collected.size();
-            collected.emplace_back();
-        }
-        collected[places[first]].add(runs[i]);
-    }
+    const bool isBright = settings.polarity == Polarity::Bright;
+    std::vector<char> isWaiting(placeOf(picture, {0, picture.height}));
+    std::transform(picture.pixels, picture.pixels + isWaiting.size(), isWaiting.begin(),
+                   [&](std::uint8_t pixel) { return (pixel >= settings.threshold) == isBright; });
     std::vector<Blob> blobs;
-    for (const Collected& candidate : collected) {
-        if (candidate.moments.area >= static_cast<double>(settings.minArea)) blobs.push_back(describe(candidate));
+    for (Pixel first{0, 0}; first.y < picture.height; ++first.y) {
+        for (first.x = 0; first.x < picture.width; ++first.x) {
+            if (!isWaiting[placeOf(picture, first)]) continue;
+            const std::vector<Pixel> figure = takeFigure(picture, isWaiting, first);
+            if (std::ssize(figure) >= settings.minArea) blobs.push_back(measure(picture, figure));
+        }
     }
     return blobs;
 }

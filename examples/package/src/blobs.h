@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -16,33 +15,28 @@ enum class Polarity : std::uint32_t
 struct BlobSettings
 {
     Polarity polarity = Polarity::Bright;
-    long threshold = 128;
-    long minArea = 20;  ///< Smaller blobs are noise.
+    std::int64_t threshold = 128;
+    std::int64_t minArea = 20;  ///< Smaller blobs are noise.
 };
 
 /// A grey picture in memory, 8 bits a pixel, its rows without padding.
 struct GreyPicture
 {
     const std::uint8_t* pixels;
-    std::size_t width;
-    std::size_t height;
+    int width;
+    int height;
 };
 
 /// A group of pixels that touch each other at edges or corners. Lengths are in pixels; X goes right and Y down
 /// from the picture's top left corner, so that the first pixel's centre lies at (0.5, 0.5).
 struct Blob
 {
-    std::uint64_t area = 0;  ///< In pixels.
-    double centerX = 0.0;
-    double centerY = 0.0;
-    double majorRadius = 0.0;  ///< Of the ellipse that has the same second moments.
-    double minorRadius = 0.0;
-    double rotation = 0.0;    ///< Of the major axis from X towards Y, in radians, -pi/2 to pi/2.
-    double brightness = 0.0;  ///< The mean of its pixels.
-    std::size_t left = 0;
-    std::size_t top = 0;
-    std::size_t width = 0;
-    std::size_t height = 0;
+    int area = 0;
+    int left = 0, top = 0, width = 0, height = 0;
+    double centerX = 0.0, centerY = 0.0;
+    double majorRadius = 0.0, minorRadius = 0.0;  ///< Of the ellipse that has the same second moments.
+    double rotation = 0.0;                        ///< Of the major axis from X towards Y, -pi/2 to pi/2.
+    double brightness = 0.0;                      ///< The mean of its pixels.
 };
 
 /// All blobs of at least the minimum area, in the order in which their first pixels are read.

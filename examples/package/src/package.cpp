@@ -1,7 +1,4 @@
 // What a host sees of the package: a version, a manifest, and for each module a pair of functions.
-#include <cstdlib>
-#include <cstring>
-
 #include "blobfinder.h"
 #include "core/packageentrypoints.h"
 
@@ -21,11 +18,7 @@ constexpr char manifest[] = R"({
             "MinRequiredFileVersion": "1.0.0",
             "InterfaceType": "Native",
             "DisplayName": "Blob Finder",
-            "Tags": [
-                "UseCaseIdentifier=Inspection",
-                "OperationLevelGroup=Low",
-                "AlgorithmTypeGroup=Classical"
-            ],
+            "Tags": [ "UseCaseIdentifier=Inspection", "OperationLevelGroup=Low", "AlgorithmTypeGroup=Classical" ],
             "ShortDescription": "Finds bright or dark blobs and measures them",
             "DetailedDescription": "<h1>Blob Finder</h1><p>Pixels of at least (or below) a threshold that touch each other make a blob. Gives their centers, bounding boxes and ellipses, and the frame of the largest.</p>",
             "SupportedUuids": [ "93ad5cd5-bc85-45a9-b420-678aeace4b2a" ],
@@ -46,7 +39,7 @@ GENICAM_API int get_InterfaceVersion()
 
 GENICAM_API char* create_StaticInfo()
 {
-    return strdup(manifest);
+    return Inspection::Core::Package::copyInfo(manifest);
 }
 
 GENICAM_API char* create_DynamicInfo()
@@ -56,8 +49,7 @@ GENICAM_API char* create_DynamicInfo()
 
 GENICAM_API void destroy_Info(char** holder)
 {
-    std::free(*holder);
-    *holder = nullptr;
+    Inspection::Core::Package::freeInfo(holder);
 }
 
 GENICAM_API Inspection::Core::NodeBase* create_BlobFinder(
