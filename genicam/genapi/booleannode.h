@@ -19,6 +19,7 @@ public:
     bool ReadTruth() override { return Read(false); }
     void WriteInteger(int64_t value) override { Write(value != 0); }
     void WriteFloat(double value) override { Write(value != 0); }
+    bool IsIntegral() const override { return true; }
     int64_t MinInteger() override { return 0; }
     int64_t MaxInteger() override { return 1; }
     int64_t IncInteger() override { return 1; }

@@ -132,6 +132,11 @@ void CEnumerationNode::WriteFloat(double value)
     WriteInteger(nearest->Value());
 }
 
+bool CEnumerationNode::IsIntegral() const
+{
+    return std::none_of(entries_.begin(), entries_.end(), [](const CEnumEntryNode* e) { return e->HasNumber(); });
+}
+
 int64_t CEnumerationNode::MinInteger()
 {
     int64_t min = std::numeric_limits<int64_t>::max();

@@ -25,6 +25,7 @@ public:
 
     const gcstring& Symbolic() const { return symbolic_; }
     int64_t Value() const { return value_; }
+    bool HasNumber() const { return numeric_.has_value(); }
     double Number() const { return numeric_.value_or(static_cast<double>(value_)); }
     bool SelfClearing() const { return selfClearing_; }
 
@@ -64,6 +65,8 @@ public:
     bool ReadTruth() override { return ReadInteger(false) != 0; }
     void WriteInteger(int64_t value) override;
     void WriteFloat(double value) override;
+    /// Not if entries have a number with a fraction beside their value.
+    bool IsIntegral() const override;
     int64_t MinInteger() override;
     int64_t MaxInteger() override;
     int64_t IncInteger() override { return 1; }

@@ -1,5 +1,6 @@
 #include "genapi/floatbase.h"
 
+#include <cmath>
 #include <limits>
 
 #include "gcbase/exception.h"
@@ -52,6 +53,11 @@ double CFloatBase::GetInc()
     const auto inc = Map().Operate([&] { return IncFloat(); });
     if (!inc) GENICAM_THROW(LogicalErrorException, "Node \"%s\" has no increment.", Name().c_str());
     return *inc;
+}
+
+int64_t CFloatBase::ReadTruncated(bool ignoreCache)
+{
+    return RoundToInteger(std::trunc(ReadFloat(ignoreCache)));
 }
 
 int64_t CFloatBase::MinInteger()
@@ -113,6 +119,7 @@ void CFloatBase::CheckLimits(double value)
     if (!(value >= min && value <= max))
         GENICAM_THROW(OutOfRangeException, "Node \"%s\": %s is not within %s to %s.", Name().c_str(),
                       FormatFloat(value).c_str(), FormatFloat(min).c_str(), FormatFloat(max).c_str());
+    CheckFurther(value);
 }
 
 }  // namespace GenApi

@@ -26,6 +26,8 @@ public:
     int64_t ReadInteger(bool ignoreCache) override { return RoundToInteger(ReadFloat(ignoreCache)); }
     bool ReadTruth() override { return ReadFloat(false) != 0; }
     void WriteInteger(int64_t value) override { WriteFloat(static_cast<double>(value)); }
+    bool IsIntegral() const override { return false; }
+    int64_t ReadTruncated(bool ignoreCache) override;
     int64_t MinInteger() override;
     int64_t MaxInteger() override;
     int64_t IncInteger() override;
@@ -36,6 +38,8 @@ public:
 protected:
     gcstring ReadText(bool verify, bool ignoreCache) override;
     void WriteText(const gcstring& text, bool verify) override;
+    /// What Min and Max do not tell about a value; OutOfRangeException.
+    virtual void CheckFurther(double /*value*/) {}
     const NumberLook& Look() const { return look_; }
 
 private:

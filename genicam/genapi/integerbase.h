@@ -23,6 +23,7 @@ public:
     double ReadFloat(bool ignoreCache) override { return static_cast<double>(ReadInteger(ignoreCache)); }
     bool ReadTruth() override { return ReadInteger(false) != 0; }
     void WriteFloat(double value) override { WriteInteger(RoundToInteger(value)); }
+    bool IsIntegral() const override { return true; }
     double MinFloat() override { return static_cast<double>(MinInteger()); }
     double MaxFloat() override { return static_cast<double>(MaxInteger()); }
     std::optional<double> IncFloat() override { return static_cast<double>(IncInteger()); }

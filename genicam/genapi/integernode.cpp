@@ -71,9 +71,16 @@ void CIntegerNode::Finish(ElementReader& own)
     if (!value_.IsGiven()) own.Refuse("it has neither <Value> nor <pValue>");
 }
 
+std::vector<int64_t> CIntegerNode::ValidValues()
+{
+    if (!validValues_.empty() || !value_.Reference()) return validValues_;
+    return value_.Reference()->ValidValues();
+}
+
 void CIntegerNode::CheckFurther(int64_t value)
 {
-    if (validValues_.empty() || std::binary_search(validValues_.begin(), validValues_.end(), value)) return;
+    const std::vector<int64_t> valid = ValidValues();
+    if (valid.empty() || std::binary_search(valid.begin(), valid.end(), value)) return;
     GENICAM_THROW(OutOfRangeException, "Node \"%s\": %lld is none of its valid values.", Name().c_str(),
                   static_cast<long long>(value));
 }

@@ -15,6 +15,7 @@ public:
     int64_t MinInteger() override;
     int64_t MaxInteger() override;
     int64_t IncInteger() override;
+    std::vector<int64_t> ValidValues() override;
     gcstring Unit() const override { return Look().Unit(value_.Reference()); }
     ERepresentation Representation() const override { return Look().Representation(value_.Reference()); }
 

@@ -7,6 +7,7 @@
 #include "genapi/booleannode.h"
 #include "genapi/categorynode.h"
 #include "genapi/commandnode.h"
+#include "genapi/converternode.h"
 #include "genapi/enumerationnode.h"
 #include "genapi/floatnode.h"
 #include "genapi/floatregnode.h"
@@ -18,6 +19,7 @@
 #include "genapi/portnode.h"
 #include "genapi/registernode.h"
 #include "genapi/stringnode.h"
+#include "genapi/swissknifenode.h"
 #include "genapi/textconversion.h"
 
 namespace GenApi {
@@ -44,6 +46,10 @@ constexpr KindRow kinds[] = {
     {{"MaskedIntReg", intfIInteger}, make<CMaskedIntRegNode>},
     {{"Float", intfIFloat}, make<CFloatNode>},
     {{"FloatReg", intfIFloat}, make<CFloatRegNode>},
+    {{"SwissKnife", intfIFloat}, make<CSwissKnifeNode>},
+    {{"IntSwissKnife", intfIInteger}, make<CIntSwissKnifeNode>},
+    {{"Converter", intfIFloat}, make<CConverterNode>},
+    {{"IntConverter", intfIInteger}, make<CIntConverterNode>},
     {{"Boolean", intfIBoolean}, make<CBooleanNode>},
     {{"Command", intfICommand}, make<CCommandNode>},
     {{"String", intfIString}, make<CStringNode>},
@@ -57,9 +63,8 @@ constexpr NodeKind enumerationKind = {"Enumeration", intfIEnumeration};
 constexpr NodeKind entryKind = {"EnumEntry", intfIEnumEntry};
 
 // Kinds of the schema that this runtime has no class for.
-constexpr std::string_view knownKinds[] = {"SwissKnife", "IntSwissKnife",  "Converter",   "IntConverter",
-                                           "StructReg",  "ConfRom",        "TextDesc",    "IntKey",
-                                           "DcamLock",   "AdvFeatureLock", "SmartFeature"};
+constexpr std::string_view knownKinds[] = {"StructReg", "ConfRom",        "TextDesc",    "IntKey",
+                                           "DcamLock",  "AdvFeatureLock", "SmartFeature"};
 
 constexpr Word<EAccessMode> accessModes[] = {{"RO", RO}, {"WO", WO}, {"RW", RW}, {"R", RO}, {"W", WO}};
 constexpr Word<bool> yesNo[] = {{"Yes", true}, {"No", false}, {"true", true}, {"false", false}};
@@ -278,6 +283,14 @@ void NodeBuilder::DeclareNode(Element element)
         RefuseNode(element, known ? "nodes of this kind are not supported" : "there is no such kind of node");
     }
     Add(row->make({map_, std::move(name), row->kind}), element);
+    DeclareEmbedded(element);
+}
+
+// A register's address may be a formula node that stands in the register.
+void NodeBuilder::DeclareEmbedded(Element element)
+{
+    for (Element child = element.FirstChild(); child; child = child.Next())
+        if (child.Name() == "IntSwissKnife") DeclareNode(child);
 }
 
 void NodeBuilder::DeclareEntries(CEnumerationNode& enumeration, Element element)

@@ -118,6 +118,7 @@ private:
 
     void Declare(Element parent);
     void DeclareNode(Element element);
+    void DeclareEmbedded(Element element);
     void DeclareEntries(CEnumerationNode& enumeration, Element element);
     template <typename NodeClass>
     NodeClass& Add(std::unique_ptr<NodeClass> node, Element element);

@@ -151,9 +151,10 @@ void CNodeMap::Spread(const Reached& reached)
         Reach(*source, true);
 }
 
-void CNodeMap::CountStep(const CNodeBase& node) const
+void CNodeMap::CountStep(const CNodeBase& node, int steps) const
 {
-    if (++steps_ > maxSteps)
+    steps_ += steps;
+    if (steps_ > maxSteps)
         GENICAM_THROW(RuntimeException,
                       "Node \"%s\": its value depends on too many others (more than %d evaluations).",
                       node.Name().c_str(), maxSteps);

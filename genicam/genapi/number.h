@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "genapi/types.h"
 
@@ -20,6 +21,13 @@ public:
     /// OutOfRangeException for what the node cannot hold.
     virtual void WriteInteger(int64_t value) = 0;
     virtual void WriteFloat(double value) = 0;
+
+    /// True if the value is an integer by nature, and asking for a float would only lose bits of it.
+    virtual bool IsIntegral() const = 0;
+    /// The integer without the fraction, where ReadInteger rounds.
+    virtual int64_t ReadTruncated(bool ignoreCache) { return ReadInteger(ignoreCache); }
+    /// The only values that the node takes, in ascending order; empty if it takes all within its limits.
+    virtual std::vector<int64_t> ValidValues() { return {}; }
 
     virtual int64_t MinInteger() = 0;
     virtual int64_t MaxInteger() = 0;

@@ -36,7 +36,7 @@ bool RegisterAccess::TakeElement(ElementReader& element)
     else if (element.Is("Cachable"))
         caching_ = element.AnyWordOf(cachingModes, NoCache);
     else if (element.Is("IntSwissKnife"))
-        element.RefuseUnsupported();
+        parts_.push_back({element.NumberOf(element.Attribute("Name"), Link::Parameter), {}, false});
     else
         return false;
     return true;
