@@ -1,12 +1,13 @@
 #include "utility/videowriter.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
-#include <cmath>
-#include <cstring>
+#include <exception>
 #include <filesystem>
-#include <new>
+#include <mutex>
 #include <optional>
+#include <utility>
 
 #include "gcbase/exception.h"
 
@@ -14,6 +15,7 @@
 #include "utility/niveximage.h"
 #include "utility/video/fragmentedfile.h"
 #include "utility/video/indexedcopy.h"
+#include "utility/video/picturethread.h"
 #include "utility/video/videoencoder.h"
 
 namespace Nivex {
@@ -64,6 +66,7 @@ public:
 
     bool isOpen() const { return file_.has_value(); }
     EVideoFailure lastFailure() const { return lastFailure_; }
+    std::uint64_t lateLossCount() const { return lateLosses_; }
 
     void open(const std::string& path, std::uint32_t width, std::uint32_t height, double playBackRate,
               double recordingRate)
@@ -77,25 +80,30 @@ public:
         path_ = path;
         width_ = width;
         height_ = height;
-        fragmentPictures_ = std::max(1, static_cast<int>(std::floor(std::min(playBackRate, recordingRate) / 2)));
-        blame(EVideoFailure::Encoder,
+        fragmentPictures_ = static_cast<std::uint64_t>(std::max(1.0, std::min(playBackRate, recordingRate) / 2));
+        late_ = {};
+        lateLosses_ = pictures_ = refused_ = flushed_ = 0;
+        isEnded_ = false;
+        blame(lastFailure_, EVideoFailure::Encoder,
               [&] { encoder_.emplace(path, evenUp(width), evenUp(height), playBackRate); });
-        blame(EVideoFailure::File, [&] { file_.emplace(path, encoder_->context()); });
-        noteFlush();
+        blame(lastFailure_, EVideoFailure::File, [&] { file_.emplace(path, encoder_->context()); });
+        lastFlush_ = Clock::now();
     }
 
     void add(const void* buffer, std::size_t bufferSize, EPixelType pixelType, std::uint32_t width,
              std::uint32_t height, std::size_t paddingX, EImageOrientation orientation)
     {
         lastFailure_ = EVideoFailure::None;
-        blame(EVideoFailure::Encoder, [&] {
-            checkPicture(width, height);
-            if (!converted_.IsUnique()) converted_.Release();
-            converter_.Convert(converted_, buffer, bufferSize, pixelType, width, height, paddingX, orientation);
-            encoder_->encode(evenPicture(), [this](AVPacket& packet) { write(packet); });
+        blame(lastFailure_, EVideoFailure::Encoder, [&] { checkPicture(width, height); });
+        raiseLate();
+        blame(lastFailure_, EVideoFailure::Encoder, [&] {
+            if (!thread_) thread_.emplace([this](const CNivexImage& picture) { encode(picture); });
+            CNivexImage picture = thread_->takeSpare();
+            CNivexImage& converted = isOdd() ? odd_ : picture;
+            converter_.Convert(converted, buffer, bufferSize, pixelType, width, height, paddingX, orientation);
+            if (isOdd()) copyRepeatingEdges(odd_, picture);
+            thread_->push(std::move(picture));
         });
-        ++unflushed_;
-        blame(EVideoFailure::File, [&] { flushIfDue(); });
     }
 
     void close()
@@ -103,14 +111,19 @@ public:
         if (!isOpen()) return;
         lastFailure_ = EVideoFailure::None;
         const Ending ending{*this};
-        blame(EVideoFailure::Encoder, [&] { encoder_->drain([this](AVPacket& packet) { write(packet); }); });
-        blame(EVideoFailure::File, [&] { file_->finish(); });
+        thread_.reset();
+        keepFailure([&](EVideoFailure& failure) {
+            blame(failure, EVideoFailure::Encoder,
+                  [&] { encoder_->drain([&](AVPacket& packet) { write(packet, failure); }); });
+        });
+        blame(lastFailure_, EVideoFailure::File, [&] { finishFile(); });
         if (file_->packetCount() == 0) {
-            blame(EVideoFailure::File, [&] { std::filesystem::remove(path_); });
-            return;
+            blame(lastFailure_, EVideoFailure::File, [&] { std::filesystem::remove(path_); });
+        } else {
+            blame(lastFailure_, EVideoFailure::Index,
+                  [&] { Video::replaceByIndexedCopy(path_, file_->rate(), file_->packetCount()); });
         }
-        blame(EVideoFailure::Index,
-              [&] { Video::replaceByIndexedCopy(path_, file_->rate(), file_->packetCount()); });
+        raiseLate();
     }
 
 private:
@@ -125,25 +138,32 @@ private:
         }
     };
 
+    /// A failure that is still to be raised.
+    struct LateFailure
+    {
+        std::exception_ptr exception;
+        EVideoFailure cause = EVideoFailure::None;
+    };
+
     /// Runs the operation; a failure is put down to `cause`, unless one inside it has been put down already.
     template <typename Operation>
-    void blame(EVideoFailure cause, const Operation& operation)
+    void blame(EVideoFailure& noted, EVideoFailure cause, const Operation& operation)
     {
+        const auto note = [&] {
+            if (noted == EVideoFailure::None) noted = cause;
+        };
         try {
             operation();
         } catch (const GenICam::GenericException&) {
-            noteFailure(cause);
+            note();
             throw;
         } catch (const std::exception& error) {
-            noteFailure(cause);
+            note();
             GENICAM_THROW(RuntimeException, "Could not write the video \"%s\": %s.", path_.c_str(), error.what());
         }
     }
 
-    void noteFailure(EVideoFailure cause)
-    {
-        if (lastFailure_ == EVideoFailure::None) lastFailure_ = cause;
-    }
+    // On the caller's thread
 
     void checkPicture(std::uint32_t width, std::uint32_t height) const
     {
@@ -154,45 +174,103 @@ private:
                       width, height, path_.c_str(), width_, height_);
     }
 
-    const CNivexImage& evenPicture()
+    bool isOdd() const { return width_ % 2 != 0 || height_ % 2 != 0; }
+
+    void raiseLate()
     {
-        if (width_ % 2 == 0 && height_ % 2 == 0) return converted_;
-        if (!even_.IsUnique()) even_.Release();
-        copyRepeatingEdges(converted_, even_);
-        return even_;
+        LateFailure late;
+        {
+            const std::lock_guard lock(lateLock_);
+            std::swap(late, late_);
+        }
+        if (!late.exception) return;
+        lastFailure_ = late.cause;
+        std::rethrow_exception(late.exception);
     }
 
-    void write(AVPacket& packet)
+    // On the encoding thread, and on the caller's after its end
+
+    void encode(const CNivexImage& picture)
     {
-        blame(EVideoFailure::File, [&] { file_->write(packet); });
+        ++pictures_;
+        keepFailure([&](EVideoFailure& failure) {
+            blame(failure, EVideoFailure::Encoder,
+                  [&] { encoder_->encode(picture, [&](AVPacket& packet) { write(packet, failure); }); });
+            blame(failure, EVideoFailure::File, [&] { flushIfDue(); });
+        });
+    }
+
+    /// Runs the operation; the first failure is kept for raiseLate.
+    template <typename Operation>
+    void keepFailure(const Operation& operation)
+    {
+        EVideoFailure failure = EVideoFailure::None;
+        try {
+            operation(failure);
+        } catch (...) {
+            if (failure == EVideoFailure::File) {
+                isEnded_ = true;
+            } else {
+                ++refused_;
+            }
+            countLosses();
+            const std::lock_guard lock(lateLock_);
+            if (!late_.exception) late_ = {std::current_exception(), failure};
+        }
+    }
+
+    void countLosses() { lateLosses_ = isEnded_ ? pictures_ - flushed_ : refused_; }
+
+    void write(AVPacket& packet, EVideoFailure& failure)
+    {
+        blame(failure, EVideoFailure::File, [&] { file_->write(packet); });
     }
 
     void flushIfDue()
     {
         constexpr std::chrono::seconds longest(1);
-        if (unflushed_ < fragmentPictures_ && Clock::now() - lastFlush_ < longest) return;
-        noteFlush();
+        const bool isFull = file_->packetCount() - flushed_ >= fragmentPictures_;
+        if (!isFull && Clock::now() - lastFlush_ < longest) return;
+        lastFlush_ = Clock::now();
         file_->flush();
+        flushed_ = file_->packetCount();
     }
 
-    void noteFlush()
+    void finishFile()
     {
-        unflushed_ = 0;
-        lastFlush_ = Clock::now();
+        isEnded_ = true;
+        try {
+            file_->finish();
+            flushed_ = file_->packetCount();
+        } catch (...) {
+            countLosses();
+            throw;
+        }
+        countLosses();
     }
 
     CImageFormatConverter converter_;
-    CNivexImage converted_;  ///< Kept from picture to picture, so that its memory is used again.
-    CNivexImage even_;       ///< The same, for pictures of odd size.
+    CNivexImage odd_;  ///< A picture of odd size, kept so that its memory is used again.
     std::optional<Video::VideoEncoder> encoder_;
     std::optional<Video::FragmentedFile> file_;  ///< Holds a value while a video is open.
     std::string path_;
     std::uint32_t width_ = 0;
     std::uint32_t height_ = 0;
-    int fragmentPictures_ = 1;
-    int unflushed_ = 0;  ///< Pictures in the present fragment.
-    Clock::time_point lastFlush_;
     EVideoFailure lastFailure_ = EVideoFailure::None;
+    std::uint64_t fragmentPictures_ = 1;
+
+    // Of the encoding thread, and of the caller's after its end:
+    std::uint64_t pictures_ = 0;  ///< Given to the encoder.
+    std::uint64_t refused_ = 0;   ///< Of these, by the encoder.
+    std::uint64_t flushed_ = 0;   ///< Of these, in fragments that the system has.
+    bool isEnded_ = false;        ///< Nothing else will get into the file.
+    Clock::time_point lastFlush_;
+
+    std::atomic<std::uint64_t> lateLosses_ = 0;
+    std::mutex lateLock_;
+    LateFailure late_;  ///< Guarded by lateLock_.
+    std::optional<Video::PictureThread>
+        thread_;  ///< Begun with the first picture; the last, so that it ends first.
 };
 
 CVideoWriter::CVideoWriter()
@@ -253,6 +331,11 @@ void CVideoWriter::Close()
 EVideoFailure CVideoWriter::GetLastFailure() const
 {
     return impl_->lastFailure();
+}
+
+std::uint64_t CVideoWriter::GetLateLossCount() const
+{
+    return impl_->lateLossCount();
 }
 
 }  // namespace Nivex

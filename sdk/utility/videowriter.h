@@ -13,7 +13,7 @@ namespace Nivex {
 enum class EVideoFailure : std::uint32_t
 {
     None = 0,
-    Encoder = 1,  ///< The picture or the encoder: the file is as good as before.
+    Encoder = 1,  ///< A picture or the encoder: the file is as good as before.
     File = 2,     ///< The file could not be made or not be written to its end; pictures may be missing in it.
     Index = 3     ///< The closed video holds all pictures, but stayed in the form that it has while it is written.
 };
@@ -37,7 +37,11 @@ enum class EVideoFailure : std::uint32_t
 /// The encoder is libx264 where it is installed, else the first other one for H.264 that opens. Messages of the
 /// codec libraries are kept from stderr for the whole process; errors among them become part of failure texts.
 ///
-/// One object is used by one thread at a time; encoding itself uses several.
+/// Threads. One object is used by one thread at a time. Add converts the picture, so that its memory is free
+/// again, and hands it to a thread of the video's own, which encodes and writes; Add waits while that thread is
+/// busy with one picture and another is waiting. The encoder uses further threads. A killed process loses the two
+/// pictures beside the last fragment. A failure on that thread is raised by the next Add, whose picture is not
+/// taken, or by Close, which finishes the file all the same.
 class GENICAM_API CVideoWriter
 {
 public:
@@ -59,7 +63,7 @@ public:
 
     /// Raises InvalidArgumentException for another size than Open was told, an unsupported pixel type or too short
     /// a buffer; the video goes on without that picture. Raises RuntimeException if no video is open, or the
-    /// encoder or the file fails; after a failure of the file each further picture fails too.
+    /// encoder or the file failed; after a failure of the file further pictures fail too.
     void Add(const void* buffer, std::size_t bufferSize, EPixelType pixelType, std::uint32_t width,
              std::uint32_t height, std::size_t paddingX, EImageOrientation orientation);
     void Add(const IImage& image);
@@ -70,6 +74,9 @@ public:
 
     /// Of the last Open, Add or Close.
     EVideoFailure GetLastFailure() const;
+    /// Pictures of the video opened last that were lost after Add had taken them: by a failure that a later call
+    /// raises, among them those of a fragment that could not be written whole.
+    std::uint64_t GetLateLossCount() const;
 
 private:
     class Impl;

@@ -106,9 +106,16 @@ void VideoMediaWriter::writeImage(const Core::Image& image, const MediaWriterCon
     if (!opened_) opened_ = logFailures(openSite, this, [&] { open(image, context, indices); });
     if (!opened_ || !logFailures(addSite, this, [&] { add(image); })) {
         ledger_.reportLoss(cause_);
+        reportLateLosses();
         return;
     }
     ledger_.reportRecorded(0, image.getImageSize());
+}
+
+void VideoMediaWriter::reportLateLosses()
+{
+    for (; lateLosses_ < writer_.GetLateLossCount(); ++lateLosses_)
+        ledger_.reportLoss(cause_);
 }
 
 void VideoMediaWriter::open(const Core::Image& image, const MediaWriterContext& context,
@@ -117,6 +124,7 @@ void VideoMediaWriter::open(const Core::Image& image, const MediaWriterContext& 
     cause_ = LossCause::FileNotWritten;
     const std::string path = (*context.folder / fileName(context, indices)).string();
     cause_ = LossCause::EncoderFailed;
+    lateLosses_ = 0;
     writer_.Width.SetValue(image.getWidth());
     writer_.Height.SetValue(image.getHeight());
     writer_.PlayBackFrameRate.SetValueCorrected(context.settings->playBackSpeed);
@@ -158,12 +166,13 @@ void VideoMediaWriter::close()
 {
     if (!writer_.IsOpen()) return;
     opened_ = false;
-    const bool isClosed = logFailures(closeSite, this, [&] { writer_.Close(); });
-    if (isClosed || writer_.GetLastFailure() == EVideoFailure::Index) {
+    const bool isClosed = logFailures(closeSite, this, [&] { notingCause([&] { writer_.Close(); }); });
+    reportLateLosses();
+    if (isClosed || writer_.GetLastFailure() != EVideoFailure::File) {
         ledger_.reportRecorded(1, 0);
-        return;
+    } else {
+        ledger_.reportLoss(LossCause::FileNotWritten);
     }
-    ledger_.reportLoss(LossCause::FileNotWritten);
 }
 
 }  // namespace Plugin::NivexStageletPackageBase

@@ -16,8 +16,8 @@ namespace Plugin::NivexStageletPackageBase {
 /// holds an error; Unsupported for a pixel type that can't be converted and for any other kind of value;
 /// FileNotWritten if the file can't be made or written; EncoderFailed for what else keeps it from being opened or
 /// from taking the image, such as another size. Each video that is closed is recorded as one file; one that can't
-/// be written to its end is one more FileNotWritten. As pictures gather in fragments, up to a fragment of them may
-/// have been recorded before a full disk shows.
+/// be written to its end is one more FileNotWritten. A failure shows up to two images late, and a full disk at the
+/// end of a fragment: images that were recorded by then and are lost after all are counted as lost as well.
 ///
 /// Nothing is raised: failures are logged and the image is lost.
 class VideoMediaWriter : public IMediaWriter
@@ -38,6 +38,7 @@ private:
     void open(const Nivex::DataProcessing::Core::Image& image, const MediaWriterContext& context,
               const WriterIndices& indices);
     void add(const Nivex::DataProcessing::Core::Image& image);
+    void reportLateLosses();
     void close();
     /// Runs a call of the writer and keeps what it throws as the cause of the loss.
     template <typename Operation>
@@ -46,6 +47,7 @@ private:
     IWriterLedger& ledger_;
     Nivex::CVideoWriter writer_;
     Nivex::DataProcessing::Core::LossCause cause_{};  ///< Of the last image that was lost by a failure.
+    std::uint64_t lateLosses_ = 0;                    ///< Of the present video, as far as reported.
     bool opened_ = false;
     bool closeAtRecordEnd_ = false;
     bool closeAtSessionEnd_ = true;
