@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "utility/convert/widevectors.h"
+
 namespace Nivex::Pixels {
 namespace {
 
@@ -89,9 +91,21 @@ Channels<const std::uint8_t> monoToYuv(const Channels<const std::uint8_t>& line,
 }
 
 // The coefficients are whole thousandths, so that this rounds as the real equation does.
-constexpr std::uint32_t luma(std::uint32_t red, std::uint32_t green, std::uint32_t blue)
+constexpr std::uint16_t luma(std::uint16_t red, std::uint16_t green, std::uint16_t blue)
 {
-    return (299 * red + 587 * green + 114 * blue + 500) / 1000;
+    return static_cast<std::uint16_t>((299U * red + 587U * green + 114U * blue + 500) / 1000);
+}
+
+// The same in numbers of 16 bits, which fill vectors twice as well: an eighth of the sum, split so that nothing is
+// lost, and the division by 125 as a multiplication that is exact for all such sums.
+constexpr std::uint8_t luma(std::uint8_t red, std::uint8_t green, std::uint8_t blue)
+{
+    const std::uint16_t r = red;
+    const std::uint16_t g = green;
+    const std::uint16_t b = blue;
+    const auto rest = static_cast<std::uint16_t>(static_cast<std::uint16_t>(3 * r + 3 * g + 2 * b + 4) >> 3);
+    const auto eighth = static_cast<std::uint16_t>(37 * r + 73 * g + 14 * b + 62 + rest);
+    return static_cast<std::uint8_t>(static_cast<std::uint16_t>((std::uint32_t{eighth} * 33555U) >> 16) >> 6);
 }
 
 template <typename T>
@@ -99,24 +113,28 @@ void rgbToMonoRow(const T* __restrict red, const T* __restrict green, const T* _
                   T* __restrict mono)
 {
     for (std::size_t x = 0; x < width; ++x)
-        mono[x] = static_cast<T>(luma(red[x], green[x], blue[x]));
+        mono[x] = luma(red[x], green[x], blue[x]);
 }
 
 template <typename T>
 Channels<const T> rgbToMono(const Channels<const T>& line, std::size_t width, const Channels<T>& result)
 {
-    rgbToMonoRow(line[0], line[1], line[2], width, result[0]);
+    callWide<rgbToMonoRow<T>>(line[0], line[1], line[2], width, result[0]);
     return {result[0], result[0], result[0]};
 }
 
-// Coefficients in hundred-thousandths; 128 and the half for rounding are in the constant, so all sums are
-// positive.
-constexpr std::uint32_t chromaOne = 100000;
-constexpr std::uint32_t chromaBias = 128 * chromaOne + chromaOne / 2;
+// (own - green) / 2 - weight * (other - green) + 128, rounded half up, in units of 1 / 65536. Weights and rounding
+// were found by search, so that for all colours the result is that of 0.16874 and 0.08131, exactly.
+constexpr std::int16_t weightOfRedInU = 11058;
+constexpr std::int16_t weightOfBlueInV = 5329;
 
-constexpr std::uint8_t chroma(std::uint32_t plus, std::uint32_t minus)
+constexpr std::uint8_t chroma(std::uint8_t own, std::uint8_t green, std::uint8_t other, std::int16_t weight)
 {
-    const std::uint32_t value = (chromaBias + plus - minus) / chromaOne;
+    constexpr std::int32_t rounding = 8421420;
+    const auto ownSurplus = static_cast<std::int16_t>(own - green);
+    const auto otherSurplus = static_cast<std::int16_t>(other - green);
+    const std::int32_t value =
+        (std::int32_t{ownSurplus} * 32768 - std::int32_t{otherSurplus} * weight + rounding) >> 16;
     return static_cast<std::uint8_t>(value > 255 ? 255 : value);
 }
 
@@ -125,19 +143,16 @@ void rgbToYuvRow(const std::uint8_t* __restrict red, const std::uint8_t* __restr
                  std::uint8_t* __restrict u, std::uint8_t* __restrict v)
 {
     for (std::size_t x = 0; x < width; ++x) {
-        const std::uint32_t r = red[x];
-        const std::uint32_t g = green[x];
-        const std::uint32_t b = blue[x];
-        y[x] = static_cast<std::uint8_t>(luma(r, g, b));
-        u[x] = chroma(50000 * b, 16874 * r + 33126 * g);
-        v[x] = chroma(50000 * r, 41869 * g + 8131 * b);
+        y[x] = luma(red[x], green[x], blue[x]);
+        u[x] = chroma(blue[x], green[x], red[x], weightOfRedInU);
+        v[x] = chroma(red[x], green[x], blue[x], weightOfBlueInV);
     }
 }
 
 Channels<const std::uint8_t> rgbToYuv(const Channels<const std::uint8_t>& line, std::size_t width,
                                       const Channels<std::uint8_t>& result)
 {
-    rgbToYuvRow(line[0], line[1], line[2], width, result[0], result[1], result[2]);
+    callWide<rgbToYuvRow>(line[0], line[1], line[2], width, result[0], result[1], result[2]);
     return {result[0], result[1], result[2]};
 }
 

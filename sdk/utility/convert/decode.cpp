@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "utility/convert/widevectors.h"
+
 namespace Nivex::Pixels {
 namespace {
 
@@ -102,7 +104,7 @@ void separate8(const std::uint8_t* __restrict from, std::size_t width, std::uint
 template <unsigned Components, unsigned R, unsigned B>
 void decodeColour8(const SourceRow& source, std::size_t width, const Channels<std::uint8_t>& line)
 {
-    separate8<Components, R, B>(source.plane[0], width, line[0], line[1], line[2]);
+    callWide<separate8<Components, R, B>>(source.plane[0], width, line[0], line[1], line[2]);
 }
 
 template <typename T, unsigned Depth, unsigned R, unsigned B>
