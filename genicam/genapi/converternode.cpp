@@ -64,9 +64,11 @@ void ConverterFormulas::Finish(ElementReader& own)
 EAccessMode ConverterFormulas::Mode() const
 {
     const EAccessMode mode = value_.Node().Mode();
-    if (IsReadable(mode) && !variables_.AreAllReadable()) return Combine(mode, WO);
-    if (IsWritable(mode) && !variables_.AreReadable(to_)) return Combine(mode, RO);
-    return mode;
+    if (!IsAvailable(mode)) return mode;
+    const bool reads = IsReadable(mode) && variables_.AreAllReadable();
+    const bool writes = IsWritable(mode) && variables_.AreReadable(to_);
+    if (reads) return writes ? RW : RO;
+    return writes ? WO : NA;
 }
 
 FormulaNumber ConverterFormulas::Read(bool ignoreCache) const
@@ -119,7 +121,7 @@ ConverterFormulas::Range ConverterFormulas::DeviceLimits() const
 
 ConverterFormulas::Range ConverterFormulas::Limits() const
 {
-    if (slope_ == Slope::Varying) return {};
+    if (slope_ == Slope::Varying || !variables_.IsFunctionOf(from_, value_.Node())) return {};
     const Range device = DeviceLimits();
     Range range = {FromDevice(device.min), FromDevice(device.max)};
     if (IsDecreasing(device)) std::swap(range.min, range.max);
@@ -132,18 +134,24 @@ FormulaNumber ConverterFormulas::DeviceStep() const
     return value_->IncFloat().value_or(1);
 }
 
-// Compares the ends; where there is only one, that end and its neighbour.
+// What becomes of an end of the device's numbers, or of one that lies a step `inwards` of it where that has no
+// result; where there is no such end, of one beyond the other.
+std::optional<FormulaNumber> ConverterFormulas::FromNear(const std::optional<FormulaNumber>& end,
+                                                         const std::optional<FormulaNumber>& otherEnd,
+                                                         double inwards) const
+{
+    if (!end) return otherEnd ? FromDevice(otherEnd->AsFloat() - inwards) : std::nullopt;
+    const auto converted = FromDevice(end);
+    return converted ? converted : FromDevice(end->AsFloat() + inwards);
+}
+
 bool ConverterFormulas::IsDecreasing(const Range& device) const
 {
     if (slope_ != Slope::Automatic) return slope_ == Slope::Decreasing;
-    std::optional<FormulaNumber> low = device.min;
-    std::optional<FormulaNumber> high = device.max;
     const double step = DeviceStep().AsFloat();
-    if (!low && high) low = high->AsFloat() - step;
-    if (!high && low) high = low->AsFloat() + step;
-    const auto first = FromDevice(low);
-    const auto last = FromDevice(high);
-    return first && last && first->AsFloat() > last->AsFloat();
+    const auto low = FromNear(device.min, device.max, step);
+    const auto high = FromNear(device.max, device.min, -step);
+    return low && high && low->AsFloat() > high->AsFloat();
 }
 
 std::optional<FormulaNumber> ConverterFormulas::Increment() const

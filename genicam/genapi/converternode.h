@@ -49,6 +49,8 @@ private:
     Range DeviceLimits() const;
     bool IsDecreasing(const Range& device) const;
     FormulaNumber DeviceStep() const;
+    std::optional<FormulaNumber> FromNear(const std::optional<FormulaNumber>& end,
+                                          const std::optional<FormulaNumber>& otherEnd, double inwards) const;
 
     const CNodeBase& owner_;
     FormulaVariables variables_;

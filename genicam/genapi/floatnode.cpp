@@ -9,28 +9,28 @@ namespace GenApi {
 double CFloatNode::MinFloat()
 {
     if (min_.IsGiven()) return min_.ReadChecked();
-    return value_.Reference() ? value_.Reference()->MinFloat() : std::numeric_limits<double>::lowest();
+    const NumberRef& value = Value();
+    return value ? value->MinFloat() : std::numeric_limits<double>::lowest();
 }
 
 double CFloatNode::MaxFloat()
 {
     if (max_.IsGiven()) return max_.ReadChecked();
-    return value_.Reference() ? value_.Reference()->MaxFloat() : std::numeric_limits<double>::max();
+    const NumberRef& value = Value();
+    return value ? value->MaxFloat() : std::numeric_limits<double>::max();
 }
 
 std::optional<double> CFloatNode::IncFloat()
 {
     if (inc_.IsGiven()) return inc_.ReadChecked();
-    return value_.Reference() ? value_.Reference()->IncFloat() : std::nullopt;
+    const NumberRef& value = Value();
+    return value ? value->IncFloat() : std::nullopt;
 }
 
 bool CFloatNode::TakeElement(ElementReader& element)
 {
-    if (element.Is("pValue"))
-        value_.Refer(element.Number(Link::Value));
-    else if (element.Is("Value"))
-        value_.Set(element.Float());
-    else if (element.Is("pMin"))
+    if (value_.TakeElement(element)) return true;
+    if (element.Is("pMin"))
         min_.Refer(element.Number(Link::Parameter));
     else if (element.Is("pMax"))
         max_.Refer(element.Number(Link::Parameter));
@@ -42,8 +42,6 @@ bool CFloatNode::TakeElement(ElementReader& element)
         max_.Set(element.Float());
     else if (element.Is("Inc"))
         inc_.Set(element.Float());
-    else if (element.IsOneOf({"pValueCopy", "pIndex"}))
-        element.RefuseUnsupported();
     else
         return CFloatBase::TakeElement(element);
     return true;
@@ -52,7 +50,7 @@ bool CFloatNode::TakeElement(ElementReader& element)
 void CFloatNode::Finish(ElementReader& own)
 {
     CFloatBase::Finish(own);
-    if (!value_.IsGiven()) own.Refuse("it has neither <Value> nor <pValue>");
+    value_.Finish(own);
 }
 
 }  // namespace GenApi

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "genapi/floatbase.h"
+#include "genapi/valuesource.h"
 
 namespace GenApi {
 
@@ -11,21 +12,23 @@ public:
     using CFloatBase::CFloatBase;
 
     double ReadFloat(bool ignoreCache) override { return value_.Read(ignoreCache); }
-    void WriteFloat(double value) override { Store(value_, value); }
+    void WriteFloat(double value) override { Stored(value_.Write(value)); }
     double MinFloat() override;
     double MaxFloat() override;
     std::optional<double> IncFloat() override;
-    gcstring Unit() const override { return Look().Unit(value_.Reference()); }
-    ERepresentation Representation() const override { return Look().Representation(value_.Reference()); }
+    gcstring Unit() const override { return Look().Unit(value_.Fixed()); }
+    ERepresentation Representation() const override { return Look().Representation(value_.Fixed()); }
 
     bool TakeElement(ElementReader& element) override;
     void Finish(ElementReader& own) override;
 
 protected:
-    EAccessMode BaseMode() const override { return ModeOf(value_.Reference()); }
+    EAccessMode BaseMode() const override { return value_.Mode(); }
 
 private:
-    FloatSource value_;
+    const NumberRef& Value() const { return value_.Current().Reference(); }
+
+    ValueSource<double> value_;
     FloatSource min_;
     FloatSource max_;
     FloatSource inc_;

@@ -259,6 +259,15 @@ FormulaNumber FormulaVariables::Run(const Formula& formula, FormulaNumber bound,
     return formula.Evaluate(reader);
 }
 
+bool FormulaVariables::IsFunctionOf(const Formula& formula, const CNodeBase& node) const
+{
+    const auto& mentioned = formula.Variables();
+    const bool isBound = std::find(mentioned.begin(), mentioned.end(), boundVariable) != mentioned.end();
+    return isBound && std::none_of(mentioned.begin(), mentioned.end(), [&](std::size_t index) {
+               return index != boundVariable && &variables_[index].Node() == &node;
+           });
+}
+
 bool FormulaVariables::AreAllReadable() const
 {
     return std::all_of(variables_.begin(), variables_.end(),

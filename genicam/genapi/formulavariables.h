@@ -80,6 +80,9 @@ public:
     FormulaNumber Evaluate(const Formula& formula, FormulaNumber bound, Reading reading) const;
     /// The same, but nothing where the formula has no result.
     std::optional<FormulaNumber> TryEvaluate(const Formula& formula, FormulaNumber bound) const;
+    /// True if the bound name is all that the formula takes from `node`: then its result for any number in place
+    /// of the node's own can be told.
+    bool IsFunctionOf(const Formula& formula, const CNodeBase& node) const;
     bool AreAllReadable() const;
     bool AreReadable(const Formula& formula) const;
 

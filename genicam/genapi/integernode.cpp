@@ -12,28 +12,51 @@ namespace GenApi {
 int64_t CIntegerNode::MinInteger()
 {
     if (min_.IsGiven()) return min_.ReadChecked();
-    return value_.Reference() ? value_.Reference()->MinInteger() : std::numeric_limits<int64_t>::min();
+    return OfValue(&INumber::MinInteger, std::numeric_limits<int64_t>::min(), std::max<int64_t>);
 }
 
 int64_t CIntegerNode::MaxInteger()
 {
     if (max_.IsGiven()) return max_.ReadChecked();
-    return value_.Reference() ? value_.Reference()->MaxInteger() : std::numeric_limits<int64_t>::max();
+    return OfValue(&INumber::MaxInteger, std::numeric_limits<int64_t>::max(), std::min<int64_t>);
 }
 
 int64_t CIntegerNode::IncInteger()
 {
     if (inc_.IsGiven()) return inc_.ReadChecked();
-    return value_.Reference() ? value_.Reference()->IncInteger() : 1;
+    return OfValue(&INumber::IncInteger, 1, std::max<int64_t>);
+}
+
+int64_t CIntegerNode::OfValue(int64_t (INumber::*limit)(), int64_t otherwise,
+                              const int64_t& (*better)(const int64_t&, const int64_t&)) const
+{
+    const NumberRef& value = value_.Current().Reference();
+    if (!value) return otherwise;
+    int64_t result = (value.operator->()->*limit)();
+    for (const NumberRef& written : value_.Written())
+        result = better(result, (written.operator->()->*limit)());
+    return result;
+}
+
+// Nothing could be written that all of them take.
+bool CIntegerNode::IncrementsDiffer() const
+{
+    const auto& written = value_.Written();
+    return !inc_.IsGiven() && std::any_of(written.begin(), written.end(), [&](const NumberRef& each) {
+        return each->IncInteger() != written.front()->IncInteger();
+    });
+}
+
+EAccessMode CIntegerNode::BaseMode() const
+{
+    const EAccessMode mode = value_.Mode();
+    return IsWritable(mode) && IncrementsDiffer() ? Combine(mode, RO) : mode;
 }
 
 bool CIntegerNode::TakeElement(ElementReader& element)
 {
-    if (element.Is("pValue"))
-        value_.Refer(element.Number(Link::Value));
-    else if (element.Is("Value"))
-        value_.Set(element.Integer());
-    else if (element.Is("pMin"))
+    if (value_.TakeElement(element)) return true;
+    if (element.Is("pMin"))
         min_.Refer(element.Number(Link::Parameter));
     else if (element.Is("pMax"))
         max_.Refer(element.Number(Link::Parameter));
@@ -47,8 +70,6 @@ bool CIntegerNode::TakeElement(ElementReader& element)
         inc_.Set(element.Integer());
     else if (element.Is("ValidValueSet"))
         TakeValidValues(element);
-    else if (element.IsOneOf({"pValueCopy", "pIndex"}))
-        element.RefuseUnsupported();
     else
         return CIntegerBase::TakeElement(element);
     return true;
@@ -68,13 +89,14 @@ void CIntegerNode::TakeValidValues(const ElementReader& element)
 void CIntegerNode::Finish(ElementReader& own)
 {
     CIntegerBase::Finish(own);
-    if (!value_.IsGiven()) own.Refuse("it has neither <Value> nor <pValue>");
+    value_.Finish(own);
 }
 
 std::vector<int64_t> CIntegerNode::ValidValues()
 {
-    if (!validValues_.empty() || !value_.Reference()) return validValues_;
-    return value_.Reference()->ValidValues();
+    if (!validValues_.empty()) return validValues_;
+    const NumberRef& value = value_.Current().Reference();
+    return value ? value->ValidValues() : std::vector<int64_t>();
 }
 
 void CIntegerNode::CheckFurther(int64_t value)

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <unordered_set>
 
 #include "gcbase/exception.h"
+#include "genapi/absentnodes.h"
 #include "genapi/booleannode.h"
 #include "genapi/categorynode.h"
 #include "genapi/commandnode.h"
@@ -58,16 +60,27 @@ constexpr KindRow kinds[] = {
     {{"Category", intfICategory}, make<CCategoryNode>},
     {{"Port", intfIPort}, make<CPortNode>},
     {{"Node", intfIBase}, make<CPlainNode>},
+    {{"ConfRom", intfIBase}, make<CAbsentNode>},
+    {{"TextDesc", intfIString}, make<CAbsentStringNode>},
+    {{"IntKey", intfIInteger}, make<CAbsentIntegerNode>},
+    {{"AdvFeatureLock", intfIInteger}, make<CAbsentIntegerNode>},
+    {{"DcamLock", intfIInteger}, make<CAbsentIntegerNode>},
+    {{"SmartFeature", intfIInteger}, make<CAbsentIntegerNode>},
 };
 constexpr NodeKind enumerationKind = {"Enumeration", intfIEnumeration};
 constexpr NodeKind entryKind = {"EnumEntry", intfIEnumEntry};
-
-// Kinds of the schema that this runtime has no class for.
-constexpr std::string_view knownKinds[] = {"StructReg", "ConfRom",        "TextDesc",    "IntKey",
-                                           "DcamLock",  "AdvFeatureLock", "SmartFeature"};
+constexpr NodeKind structEntryKind = {"StructEntry", intfIInteger};
+constexpr std::string_view structKind = "StructReg";
 
 constexpr Word<EAccessMode> accessModes[] = {{"RO", RO}, {"WO", WO}, {"RW", RW}, {"R", RO}, {"W", WO}};
 constexpr Word<bool> yesNo[] = {{"Yes", true}, {"No", false}, {"true", true}, {"false", false}};
+
+bool isEmbedded(Element child)
+{
+    const std::string_view kind = child.Name();
+    if (kind == "IntSwissKnife") return true;
+    return (kind == "TextDesc" || kind == "IntKey") && !child.Attribute("Name").empty();
+}
 
 std::string quoted(std::string_view text)
 {
@@ -178,11 +191,6 @@ void ElementReader::Refuse(const std::string& cause) const
     builder_.Refuse(node_, element_, cause);
 }
 
-void ElementReader::RefuseUnsupported() const
-{
-    Refuse("this element is not supported");
-}
-
 void ElementReader::RefuseWord() const
 {
     Refuse(quoted(text_) + " is not one of its words");
@@ -269,6 +277,7 @@ void NodeBuilder::Declare(Element parent)
 void NodeBuilder::DeclareNode(Element element)
 {
     const std::string_view kind = element.Name();
+    if (kind == structKind) return DeclareStruct(element);
     gcstring name(element.Attribute("Name"));
     if (kind == enumerationKind.element) {
         auto& node =
@@ -278,19 +287,26 @@ void NodeBuilder::DeclareNode(Element element)
     }
     const auto* row = std::find_if(std::begin(kinds), std::end(kinds),
                                    [&](const KindRow& each) { return kind == each.kind.element; });
-    if (row == std::end(kinds)) {
-        const bool known = std::find(std::begin(knownKinds), std::end(knownKinds), kind) != std::end(knownKinds);
-        RefuseNode(element, known ? "nodes of this kind are not supported" : "there is no such kind of node");
-    }
+    if (row == std::end(kinds)) RefuseNode(element, "there is no such kind of node");
     Add(row->make({map_, std::move(name), row->kind}), element);
     DeclareEmbedded(element);
 }
 
-// A register's address may be a formula node that stands in the register.
+void NodeBuilder::DeclareStruct(Element element)
+{
+    for (Element child = element.FirstChild(); child; child = child.Next()) {
+        if (child.Name() != structEntryKind.element) continue;
+        NodeOrigin origin{map_, gcstring(child.Attribute("Name")), structEntryKind};
+        Add(std::make_unique<CMaskedIntRegNode>(std::move(origin)), child, element);
+    }
+    DeclareEmbedded(element);
+}
+
+// A register's address may be a formula node that stands in the register; a ConfRom holds its keys.
 void NodeBuilder::DeclareEmbedded(Element element)
 {
     for (Element child = element.FirstChild(); child; child = child.Next())
-        if (child.Name() == "IntSwissKnife") DeclareNode(child);
+        if (isEmbedded(child)) DeclareNode(child);
 }
 
 void NodeBuilder::DeclareEntries(CEnumerationNode& enumeration, Element element)
@@ -310,7 +326,7 @@ void NodeBuilder::DeclareEntries(CEnumerationNode& enumeration, Element element)
 }
 
 template <typename NodeClass>
-NodeClass& NodeBuilder::Add(std::unique_ptr<NodeClass> node, Element element)
+NodeClass& NodeBuilder::Add(std::unique_ptr<NodeClass> node, Element element, Element inherited)
 {
     NodeClass& added = *node;
     if (added.Name().empty()) RefuseNode(element, "it has no name");
@@ -322,19 +338,34 @@ NodeClass& NodeBuilder::Add(std::unique_ptr<NodeClass> node, Element element)
     }
     map_.nodes_.push_back(std::move(node));
     map_.nodesByName_.emplace(added.Name().view(), &added);
-    declarations_.push_back({&added, element});
+    declarations_.push_back({&added, element, inherited});
     return added;
 }
 
 void NodeBuilder::Read(const Declaration& declaration)
 {
     CNodeBase& node = *declaration.node;
+    if (declaration.inherited) ReadInherited(declaration);
     for (Element child = declaration.element.FirstChild(); child; child = child.Next()) {
         ElementReader reader(*this, node, child);
         node.TakeElement(reader);
     }
     ElementReader own(*this, node, declaration.element);
     node.Finish(own);
+}
+
+void NodeBuilder::ReadInherited(const Declaration& declaration)
+{
+    std::unordered_set<std::string_view> own;
+    for (Element child = declaration.element.FirstChild(); child; child = child.Next())
+        own.insert(child.Name());
+    for (Element child = declaration.inherited.FirstChild(); child; child = child.Next()) {
+        if (child.Name() == structEntryKind.element || own.count(child.Name()) > 0) continue;
+        if (++inheritedCount_ > maxInherited)
+            RefuseNode(declaration.inherited, "the entries of all structures take too many elements from them");
+        ElementReader reader(*this, *declaration.node, child);
+        declaration.node->TakeElement(reader);
+    }
 }
 
 void NodeBuilder::Refuse(const CNodeBase& node, Element element, const std::string& cause) const

@@ -80,7 +80,6 @@ public:
     CPortNode& Port() const;
 
     [[noreturn]] void Refuse(const std::string& cause) const;
-    [[noreturn]] void RefuseUnsupported() const;
 
 private:
     CNodeBase& NodeOf(std::string_view name, Link link) const;
@@ -99,6 +98,10 @@ private:
 class NodeBuilder
 {
 public:
+    /// So often may entries take an element of their StructReg; without a limit a description could grow a
+    /// thousandfold.
+    static constexpr std::size_t maxInherited = 1000000;
+
     NodeBuilder(const Document& document, CNodeMap& map, bool suppressStrings);
     void Build();
 
@@ -114,6 +117,7 @@ private:
     {
         CNodeBase* node;
         Element element;
+        Element inherited;  // a StructReg; its elements count where an entry does not say otherwise
     };
 
     void Declare(Element parent);
@@ -121,7 +125,9 @@ private:
     void DeclareEmbedded(Element element);
     void DeclareEntries(CEnumerationNode& enumeration, Element element);
     template <typename NodeClass>
-    NodeClass& Add(std::unique_ptr<NodeClass> node, Element element);
+    NodeClass& Add(std::unique_ptr<NodeClass> node, Element element, Element inherited = {});
+    void DeclareStruct(Element element);
+    void ReadInherited(const Declaration& declaration);
     void Read(const Declaration& declaration);
     [[noreturn]] void RefuseNode(Element element, std::string_view cause) const;
 
@@ -129,6 +135,7 @@ private:
     CNodeMap& map_;
     const bool suppressStrings_;
     std::vector<Declaration> declarations_;
+    std::size_t inheritedCount_ = 0;
 };
 
 }  // namespace GenApi

@@ -124,7 +124,7 @@ TEST(Formulas, Compute)
         {"sqrt(16) + Sqrt(2)", 5, 4 + std::sqrt(2.0)},
         {"SIN(PI / 2)", 0, 1},
         {"COS(0)", 1, 1},
-        {"TAN(1) + ASIN(1) + ACOS(0.5) + ATAN(1)", 2, std::tan(1.0) + pi / 2 + std::acos(0.5) + pi / 4},
+        {"TAN(1) + ASIN(1) + ACOS(0.5) + ATAN(1)", 3, std::tan(1.0) + pi / 2 + std::acos(0.5) + pi / 4},
         {"EXP(1)", 2, std::exp(1.0)},
         {"LN(E) + LG(1000)", 3, 4},
         {"TRUNC(-2.7) + FLOOR(-2.5) + CEIL(2.1)", -2, -2},

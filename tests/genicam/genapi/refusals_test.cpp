@@ -91,7 +91,6 @@ TEST(Refusals, NameNodeAndCause)
         {Reg("MaskedIntReg", "R", 0, 4, "<LSB>3</LSB><MSB>32</MSB>") + port, "bit 32 is none of its 32 bits"},
         {Reg("IntReg", "R", 0, 4, "<IntSwissKnife><Formula>1</Formula></IntSwissKnife>") + port,
          "IntSwissKnife \"\": it has no name"},
-        {Node("ConfRom", "K", ""), "ConfRom \"K\": nodes of this kind are not supported"},
         {Node("Group", "", Node("Widget", "W", "")), "Widget \"W\": there is no such kind of node"},
         {Node("Port", "P", "<ChunkID>1g</ChunkID>"),
          "Port \"P\", <ChunkID>: \"1g\" is no row of hexadecimal digits"},
