@@ -25,18 +25,19 @@ struct EventPinDescription
 /// Reads a line, which must describe exactly one pin with one event, value and type. What is wrong is logged, and
 /// the description is not valid then; but a value that stands twice raises std::runtime_error.
 EventPinDescription readEventPin(const GenICam::gcstring& line);
+/// The second half of it: what the parser found in a line.
+EventPinDescription describeEventPin(const PinMappings& pins);
 
-/// Where the values of event pins go. Both are called on the camera's event thread, without a lock; what they
-/// throw is logged.
+/// Where the values of event pins go. Both are called on the camera's event thread, without a lock.
 class IEventPinOutput
 {
 public:
     virtual ~IEventPinOutput() = default;
-    /// Puts a value out, as an update of its own. It is empty if the camera has no such node, or one without a
-    /// value.
+    /// Puts a value out, as an update of its own, and counts it if it can't. The value is empty if the camera has
+    /// no such node, or one without a value. What it throws is logged.
     virtual void outputEventValue(const GenICam::gcstring& pinName,
                                   Nivex::DataProcessing::Utils::Variant value) = 0;
-    /// An event came whose value could not be read or put out. Logged already; to be counted.
+    /// An event came whose value could not be read. Logged already; to be counted.
     virtual void onEventValueLost(const GenICam::gcstring& pinName) noexcept = 0;
 };
 

@@ -37,9 +37,6 @@ protected:
     /// The removal itself, on a thread of the pool, without a lock held. What it throws is logged by the pool.
     virtual void handleCameraDeviceRemoval() = 0;
 
-    /// Waits until no removal is queued or running. Not to be called by a removal, nor with a lock that it needs.
-    void waitForRemoval();
-
     /// Refuses further removals, withdraws a queued one, and waits until the pool has let go of all jobs. May be
     /// called again. Must not be called on a thread of the pool.
     void finishRemovals();
@@ -83,6 +80,8 @@ public:
 
     /// Turns a job that waits into a finished one; false if it was started before.
     bool withdraw();
+    /// Not to be called by the removal, nor with a lock that it needs.
+    void waitUntilFinished();
     State getState() const;
 
 private:
