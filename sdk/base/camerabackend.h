@@ -153,7 +153,8 @@ public:
     /// queued belong to the caller again, without a call. Does nothing without a stream.
     virtual void StopStream() noexcept = 0;
     /// Lends a buffer for a coming frame. Ignored without a stream. A frame for which no buffer is queued is lost,
-    /// and its number is missing in the sequence. Buffers are filled in the order of queueing.
+    /// and its number is missing in the sequence. Buffers are filled in the order of queueing. Called under a lock
+    /// that the sink's OnFrame takes. Must not throw.
     virtual void QueueBuffer(const SStreamBuffer& buffer) = 0;
 };
 

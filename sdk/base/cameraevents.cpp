@@ -1,0 +1,98 @@
+#include "base/cameraevents.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <unordered_set>
+
+#include "gcbase/exception.h"
+
+#include "base/handlerlist_impl.h"
+
+namespace Nivex {
+
+namespace {
+
+std::optional<std::uint64_t> eventIdOf(const GenApi::INode& node)
+{
+    const GenICam::gcstring digits = node.GetEventID();
+    std::uint64_t id = 0;
+    const char* end = digits.c_str() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.c_str(), end, id, 16);
+    if (error != std::errc{} || stop != end || digits.empty()) return std::nullopt;
+    return id;
+}
+
+/// The ids of the events that `start`, or something that its value comes from, is told of.
+std::vector<std::uint64_t> eventIdsBehind(GenApi::INode& start)
+{
+    std::vector<std::uint64_t> ids;
+    GenApi::NodeList_t open = {&start};
+    std::unordered_set<const GenApi::INode*> seen = {&start};
+    while (!open.empty()) {
+        const GenApi::INode& node = *open.back();
+        open.pop_back();
+        if (const auto id = eventIdOf(node)) ids.push_back(*id);
+        GenApi::NodeList_t children;
+        node.GetChildren(children);
+        std::copy_if(children.begin(), children.end(), std::back_inserter(open),
+                     [&](const GenApi::INode* child) { return seen.insert(child).second; });
+    }
+    return ids;
+}
+
+}  // namespace
+
+void CameraEvents::Open(const GenApi::NodeMapPtr& nodeMap)
+{
+    auto target = std::make_shared<Target>(nodeMap);
+    const std::lock_guard lock(mutex_);
+    target_ = std::move(target);
+}
+
+void CameraEvents::Close()
+{
+    const std::lock_guard lock(mutex_);
+    target_.reset();
+}
+
+const CameraEvents::Shown& CameraEvents::Resolve(Target& target, const GenICam::gcstring& nodeName)
+{
+    const auto known = std::find_if(target.shown.begin(), target.shown.end(),
+                                    [&](const Shown& shown) { return shown.nodeName == nodeName; });
+    if (known != target.shown.end()) return *known;
+    GenApi::INode* node = target.map->GetNode(nodeName);
+    return target.shown.emplace_back(
+        Shown{nodeName, node, node ? eventIdsBehind(*node) : std::vector<std::uint64_t>{}});
+}
+
+void CameraEvents::Deliver(std::uint64_t eventId, const std::uint8_t* data, std::size_t size,
+                           const std::function<void(const std::string&)>& report)
+{
+    std::shared_ptr<Target> target;
+    {
+        const std::lock_guard lock(mutex_);
+        target = target_;
+    }
+    try {
+        if (!target || target->adapter.DeliverEvent(eventId, data, size) == 0) {
+            ++unknown_;
+            return;
+        }
+    } catch (const std::exception&) {
+        // A callback of some node failed; the data has arrived all the same.
+        report(GenICam::describeCurrentException());
+    }
+    handlers_.ForEach([&](Handlers::Registration& registration) {
+        const Shown& shown = Resolve(*target, registration.nodeName);
+        if (std::find(shown.eventIds.begin(), shown.eventIds.end(), eventId) == shown.eventIds.end()) return;
+        GenApi::INode* const node = shown.node;
+        try {
+            registration.handler->OnCameraEvent(camera_, registration.id, node);
+        } catch (...) {
+            report(GenICam::describeCurrentException());
+        }
+    });
+}
+
+}  // namespace Nivex
