@@ -8,6 +8,7 @@
 #include <mutex>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "gcbase/exception.h"
 
@@ -68,6 +69,8 @@ public:
     EVideoFailure lastFailure() const { return lastFailure_; }
     std::uint64_t lateLossCount() const { return lateLosses_; }
 
+    void setEncoders(std::vector<std::string> names) { encoders_ = std::move(names); }
+
     void open(const std::string& path, std::uint32_t width, std::uint32_t height, double playBackRate,
               double recordingRate)
     {
@@ -85,7 +88,7 @@ public:
         lateLosses_ = pictures_ = refused_ = flushed_ = 0;
         isEnded_ = false;
         blame(lastFailure_, EVideoFailure::Encoder,
-              [&] { encoder_.emplace(path, evenUp(width), evenUp(height), playBackRate); });
+              [&] { encoder_.emplace(path, evenUp(width), evenUp(height), playBackRate, encoders_); });
         blame(lastFailure_, EVideoFailure::File, [&] { file_.emplace(path, encoder_->context()); });
         lastFlush_ = Clock::now();
     }
@@ -251,6 +254,7 @@ private:
 
     CImageFormatConverter converter_;
     CNivexImage odd_;  ///< A picture of odd size, kept so that its memory is used again.
+    std::vector<std::string> encoders_;
     std::optional<Video::VideoEncoder> encoder_;
     std::optional<Video::FragmentedFile> file_;  ///< Holds a value while a video is open.
     std::string path_;
@@ -304,6 +308,11 @@ void CVideoWriter::Open(const GenICam::gcstring& path)
     impl_->open(path.str(), static_cast<std::uint32_t>(Width.GetValue()),
                 static_cast<std::uint32_t>(Height.GetValue()), PlayBackFrameRate.GetValue(),
                 RecordingFrameRate.GetValue());
+}
+
+void CVideoWriter::SetEncoders(const std::vector<GenICam::gcstring>& names)
+{
+    impl_->setEncoders(std::vector<std::string>(names.begin(), names.end()));
 }
 
 bool CVideoWriter::IsOpen() const

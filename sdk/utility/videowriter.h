@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "gcbase/gcstring.h"
 
@@ -34,8 +35,9 @@ enum class EVideoFailure : std::uint32_t
 /// the stream says so. 4:2:0 has no odd sizes: the last column or row is repeated, the video is one pixel larger.
 /// Every picture is shown for exactly 1 / PlayBackFrameRate, and there is a key frame per second.
 ///
-/// The encoder is libx264 where it is installed, else the first other one for H.264 that opens. Messages of the
-/// codec libraries are kept from stderr for the whole process; errors among them become part of failure texts.
+/// The encoder is libx264 where it is installed, else the first other one for H.264 that opens, unless SetEncoders
+/// names others; no other codec takes its place, as its videos would not play everywhere. Messages of the codec
+/// libraries are kept from stderr for the whole process; errors among them become part of failure texts.
 ///
 /// Threads. One object is used by one thread at a time. Add converts the picture, so that its memory is free
 /// again, and hands it to a thread of the video's own, which encodes and writes; Add waits while that thread is
@@ -55,6 +57,9 @@ public:
     CFloatSetting PlayBackFrameRate;   ///< Pictures per second when played, 0.01 to 1000; initially 25.
     CFloatSetting RecordingFrameRate;  ///< Pictures per second that are added, 0.01 to 1000; initially 25. If it
                                        ///< is the lower one, fragments hold half a second of it.
+
+    /// Names of encoders in libavcodec that are tried at Open, in this order; none names those told above.
+    void SetEncoders(const std::vector<GenICam::gcstring>& names);
 
     /// Raises RuntimeException if a video is open, if there is no encoder (naming those looked for), or if the
     /// file can't be made (naming path and cause), and then leaves no file behind.

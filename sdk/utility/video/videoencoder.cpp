@@ -28,25 +28,37 @@ struct Option
 // No picture may wait in the encoder, or a killed process would lose more than the last fragment.
 constexpr Option preferredOptions[] = {{"preset", "veryfast"}, {"tune", "zerolatency"}, {"crf", "19"}};
 
-bool takesYuv420(const AVCodec& codec)
+bool fits(const AVCodec& codec)
 {
-    if (!codec.pix_fmts) return false;
+    if (!av_codec_is_encoder(&codec) || codec.id != AV_CODEC_ID_H264 || !codec.pix_fmts) return false;
     for (const AVPixelFormat* format = codec.pix_fmts; *format != AV_PIX_FMT_NONE; ++format) {
         if (*format == AV_PIX_FMT_YUV420P) return true;
     }
     return false;
 }
 
-std::vector<const AVCodec*> candidates()
+std::vector<const AVCodec*> candidates(const std::vector<std::string>& names)
 {
     std::vector<const AVCodec*> found;
-    if (const AVCodec* preferred = avcodec_find_encoder_by_name(preferredEncoder)) found.push_back(preferred);
+    const auto add = [&found](const AVCodec* codec) {
+        if (codec && fits(*codec) && std::ranges::find(found, codec) == found.end()) found.push_back(codec);
+    };
+    for (const std::string& name : names)
+        add(avcodec_find_encoder_by_name(name.c_str()));
+    if (!names.empty()) return found;
+    add(avcodec_find_encoder_by_name(preferredEncoder));
     void* position = nullptr;
-    while (const AVCodec* codec = av_codec_iterate(&position)) {
-        const bool fits = av_codec_is_encoder(codec) && codec->id == AV_CODEC_ID_H264 && takesYuv420(*codec);
-        if (fits && std::strcmp(codec->name, preferredEncoder) != 0) found.push_back(codec);
-    }
+    while (const AVCodec* codec = av_codec_iterate(&position))
+        add(codec);
     return found;
+}
+
+std::string join(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (const std::string& name : names)
+        text += (text.empty() ? "" : ", ") + name;
+    return text;
 }
 
 ContextPtr configure(const AVCodec& codec, std::uint32_t width, std::uint32_t height, double rate)
@@ -88,20 +100,21 @@ int open(AVCodecContext& context, const AVCodec& codec)
     return code;
 }
 
-ContextPtr openFirst(const std::string& path, std::uint32_t width, std::uint32_t height, double rate)
+ContextPtr openFirst(const std::string& path, std::uint32_t width, std::uint32_t height, double rate,
+                     const std::vector<std::string>& names)
 {
-    std::string refusals;
-    for (const AVCodec* codec : candidates()) {
+    std::vector<std::string> refusals;
+    for (const AVCodec* codec : candidates(names)) {
         forgetMessage();
         ContextPtr context = configure(*codec, width, height, rate);
         const int code = open(*context, *codec);
         if (code >= 0) return context;
-        refusals += std::string(refusals.empty() ? "" : "; ") + codec->name + ": " + describe(code);
+        refusals.push_back(codec->name + (": " + describe(code)));
     }
+    const std::string wanted = names.empty() ? preferredEncoder + std::string(" or any other") : join(names);
     raise("encode", path,
-          refusals.empty()
-              ? "no encoder for H.264 is installed; libx264 and others that take yuv420p were looked for"
-              : "no encoder for H.264 can be used: " + refusals);
+          refusals.empty() ? "no encoder for H.264 that takes yuv420p is installed; what was looked for: " + wanted
+                           : "no encoder for H.264 can be used: " + join(refusals));
 }
 
 void releaseShare(void* share, std::uint8_t*)
@@ -126,9 +139,10 @@ void attach(AVFrame& frame, const CNivexImage& picture)
 
 }  // namespace
 
-VideoEncoder::VideoEncoder(std::string path, std::uint32_t width, std::uint32_t height, double rate)
+VideoEncoder::VideoEncoder(std::string path, std::uint32_t width, std::uint32_t height, double rate,
+                           const std::vector<std::string>& names)
     : path_(std::move(path)),
-      context_(openFirst(path_, width, height, rate)),
+      context_(openFirst(path_, width, height, rate, names)),
       frame_(av_frame_alloc()),
       packet_(av_packet_alloc())
 {

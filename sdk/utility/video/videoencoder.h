@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "utility/niveximage.h"
 #include "utility/video/libraryfailure.h"
@@ -19,7 +20,9 @@ public:
     using Sink = std::function<void(AVPacket&)>;  ///< Gets packets that count time in pictures.
 
     /// @param rate pictures per second, 0.01 to 1000
-    VideoEncoder(std::string path, std::uint32_t width, std::uint32_t height, double rate);
+    /// @param names of the encoders to try, in this order; if empty, libx264 and then all others
+    VideoEncoder(std::string path, std::uint32_t width, std::uint32_t height, double rate,
+                 const std::vector<std::string>& names);
     ~VideoEncoder();
     VideoEncoder(const VideoEncoder&) = delete;
     VideoEncoder& operator=(const VideoEncoder&) = delete;

@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -297,6 +298,7 @@ TEST_F(VideoWriter, GoesOnWithoutAPictureThatDoesNotFit)
 TEST_F(VideoWriter, LeavesNothingBehindWhereItCannotOpen)
 {
     fs::create_directory(folder / "d.mp4");
+    ASSERT_EQ(mkfifo((folder / "p.mp4").c_str(), 0600), 0);
     struct Case
     {
         std::string path, cause;
@@ -304,6 +306,7 @@ TEST_F(VideoWriter, LeavesNothingBehindWhereItCannotOpen)
     for (const Case& row : {Case{(folder / "no/v.mp4").string(), "No such file"},
                             {"", "is empty"},
                             {(folder / "d.mp4").string(), "no regular file"},
+                            {(folder / "p.mp4").string(), "no regular file"},
                             {(folder / (std::string(300, 'n') + ".mp4")).string(), "name too long"}})
     {
         EXPECT_THAT(messageOf<GenICam::RuntimeException>([&] { writer.Open(row.path); }),
@@ -311,9 +314,51 @@ TEST_F(VideoWriter, LeavesNothingBehindWhereItCannotOpen)
         EXPECT_FALSE(writer.IsOpen());
         EXPECT_EQ(writer.GetLastFailure(), EVideoFailure::File);
     }
-    EXPECT_THAT(entries(), ElementsAre("d.mp4"));
+    EXPECT_THAT(entries(), testing::UnorderedElementsAre("d.mp4", "p.mp4"));
     writer.Open(file.string());
     writer.Close();
+}
+
+TEST_F(VideoWriter, TakesTheFirstEncoderThatOpens)
+{
+    struct Case
+    {
+        std::vector<GenICam::gcstring> encoders;
+        std::vector<const char*> refusal;  ///< What the text holds; none: it opens.
+    };
+    for (const Case& row : {Case{{"no_such", "mpeg4"}, {"no encoder for H.264", "installed", "no_such, mpeg4"}},
+                            {{"libx264rgb"}, {"that takes yuv420p"}},
+                            {{"no_such", "libx264"}, {}},
+                            {{}, {}}})
+    {
+        writer.SetEncoders(row.encoders);
+        const std::string text = messageOf<GenICam::RuntimeException>([&] { open(64, 48); });
+        for (const char* part : row.refusal)
+            EXPECT_THAT(text, AllOf(HasSubstr(part), HasSubstr(file.string())));
+        EXPECT_EQ(writer.IsOpen(), row.refusal.empty()) << text;
+        EXPECT_EQ(writer.GetLastFailure(), writer.IsOpen() ? EVideoFailure::None : EVideoFailure::Encoder);
+        writer.Close();
+        EXPECT_THAT(entries(), ElementsAre());
+    }
+}
+
+// Most need hardware of theirs.
+TEST_F(VideoWriter, GoesWithEachOtherEncoderOrTellsWhyNot)
+{
+    for (const char* name : {"libopenh264", "h264_v4l2m2m", "h264_omx", "h264_nvenc", "h264_qsv", "h264_amf"}) {
+        SCOPED_TRACE(name);
+        writer.SetEncoders({name});
+        const std::string text = messageOf<GenICam::RuntimeException>([&] { open(640, 480); });
+        if (!writer.IsOpen()) {
+            EXPECT_THAT(text, AllOf(HasSubstr(name), HasSubstr("no encoder for H.264")));
+            continue;
+        }
+        for (int i = 0; i < 30; ++i)
+            writer.Add(solid({8 * i, 80, 200}, 640, 480));
+        writer.Close();
+        EXPECT_EQ(VideoJudge::countFrames(file), 30);
+        EXPECT_EQ(VideoJudge::probe(file)["codec_name"], "h264");
+    }
 }
 
 /// Lowers one limit of the process for its life.
