@@ -55,6 +55,16 @@ std::string systemMessage()
     return errno != 0 ? std::generic_category().message(errno) : "The stream has failed.";
 }
 
+/// Opening a pipe would wait for a reader, and a device is no place for a recording.
+void refuseSpecialFile(const fs::path& path)
+{
+    std::error_code failed;
+    const fs::file_status status = fs::status(path, failed);
+    const bool isSpecial =
+        fs::is_fifo(status) || fs::is_socket(status) || fs::is_character_file(status) || fs::is_block_file(status);
+    if (isSpecial) GENICAM_THROW(RuntimeException, "It is no regular file.");
+}
+
 bool isMissing(const fs::path& path)
 {
     std::error_code failed;
@@ -149,9 +159,10 @@ void TextMediaWriter::open(const MediaWriterContext& context)
     path_ = *context.folder;
     try {
         path_ /= renderName(*context.tokens, nameTemplate(settings), *context.time, *context.indices);
-    } catch (const GenICam::RuntimeException& unusableName) {
+        refuseSpecialFile(path_);
+    } catch (const GenICam::RuntimeException& refusal) {
         file_.setstate(std::ios_base::failbit);
-        logFailure(unusableName.GetDescription(), context);
+        logFailure(refusal.GetDescription(), context);
         return;
     }
     errno = 0;

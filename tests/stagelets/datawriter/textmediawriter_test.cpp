@@ -1,5 +1,6 @@
 // Text files from end to end: values of all kinds through a node into a folder, compared to the byte.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <fstream>
@@ -396,6 +397,9 @@ TEST_F(TextFiles, AreCountedAndNamedWhenTheyCannotBeOpened)
         {"Session", "folder", "Is a directory", 1},
         {"Record", "folder", "Is a directory", 1},
         {"DataItem", "folder", "Is a directory", 1},
+        {"Session", "pipe", "It is no regular file.", 1},
+        {"Record", "pipe", "It is no regular file.", 1},
+        {"DataItem", "device", "It is no regular file.", 1},
         {"Record", std::string(300, 'n') + "{RecordIndex}", "File name too long", 2},
         {"DataItem", std::string(300, 'n') + "{RecordIndex}", "File name too long", 2},
     };
@@ -403,6 +407,8 @@ TEST_F(TextFiles, AreCountedAndNamedWhenTheyCannotBeOpened)
         SCOPED_TRACE(row.scope + (" " + row.fileName));
         makeNode();
         fs::create_directory(folder.path() / "folder");
+        ASSERT_EQ(mkfifo((folder.path() / "pipe").c_str(), 0600), 0);
+        fs::create_symlink("/dev/full", folder.path() / "device");
         setSections(1, {{"SessionBegin", "x"}, {"RecordBegin", "x"}});
         set({{"FileScope", row.scope}, {"FileName", row.fileName}});
         write({onPins(1, 2), onPins(3, 4)});
