@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <ostream>
 
+#include "base/emulation/emulatedbackend.h"
+
 #include "console.h"
 #include "units.h"
 
@@ -26,8 +28,8 @@ constexpr VisibilityName visibilityNames[] = {{"Beginner", GenApi::Beginner},
 
 const std::string usageText =
     "Exit codes: 0 done; 1 the run failed; 2 wrong command line; 3 recipe invalid; 4 package not loaded;\n"
-    "7 output not written; 8 more lost than --max-drops; 9 --for passed before another end; 130 forced end.\n"
-    "Where several hold, the first of 1, 7, 9, 8 counts.";
+    "5 camera not found, busy or refused; 6 camera lost; 7 output not written; 8 more lost than --max-drops;\n"
+    "9 --for passed before another end; 130 forced end. Where several hold, the first of 6, 1, 7, 9, 8 counts.";
 
 /// What is given as text and turned into values after the parser is done.
 struct RawOptions
@@ -68,6 +70,11 @@ std::chrono::nanoseconds requireDuration(const char* option, const std::string& 
            std::string(option) + " with a number and a unit, as in 500ms, 90s, 5m or 2h");
 }
 
+void addCameraOption(CLI::App& command, RawOptions& raw)
+{
+    command.add_option("--emulated-cameras", raw.cameras, "Number of emulated cameras (0)")->type_name("N");
+}
+
 void addModuleOptions(CLI::App& app, CommandLine& result, RawOptions& raw)
 {
     const auto addPackages = [&](CLI::App* command) {
@@ -86,6 +93,11 @@ void addModuleOptions(CLI::App& app, CommandLine& result, RawOptions& raw)
         ->type_name("Beginner|Expert|Guru|Invisible");
     auto* json = params->add_flag("--json", raw.isJson, "As JSON");
     params->add_flag("--markdown", raw.isMarkdown, "As Markdown tables")->excludes(json);
+    params
+        ->add_option("--map", result.module.map,
+                     "Another of its node maps, as \"@CameraDevice\"; allocates what the map needs")
+        ->type_name("MAP");
+    addCameraOption(*params, raw);
     addPackages(params);
 
     CLI::App* describe = app.add_subcommand("describe", "Write the register description of a fresh node");
@@ -94,6 +106,7 @@ void addModuleOptions(CLI::App& app, CommandLine& result, RawOptions& raw)
 
     CLI::App* devices = app.add_subcommand("devices", "List the cameras");
     devices->add_flag("--json", raw.isJson, "As JSON");
+    addCameraOption(*devices, raw);
 }
 
 void addRecipeOptions(CLI::App& app, CommandLine& result, RawOptions& raw)
@@ -112,7 +125,7 @@ void addRecipeOptions(CLI::App& app, CommandLine& result, RawOptions& raw)
             ->take_all();
         command->add_option("--log-level", raw.logLevel, "Log entries up to that number reach stderr, 0 to 7 (4)")
             ->type_name("N");
-        command->add_option("--emulated-cameras", raw.cameras, "Number of emulated cameras (0)")->type_name("N");
+        addCameraOption(*command, raw);
     };
     addCommon(app.add_subcommand("check", "Load and connect a recipe, start nothing"));
     CLI::App* run = app.add_subcommand("run", "Run a recipe until a signal or one of the ends below");
@@ -127,9 +140,19 @@ void addRecipeOptions(CLI::App& app, CommandLine& result, RawOptions& raw)
     run->footer(usageText);
 }
 
+std::size_t requireCameraCount(const RawOptions& raw)
+{
+    constexpr auto most = Nivex::CEmulatedCameraBackend::maxCameras;
+    return requireCount("--emulated-cameras", raw.cameras, 0, most);
+}
+
 void convertModuleOptions(const RawOptions& raw, ModuleOptions& options)
 {
     options.form = raw.isMarkdown ? OutputForm::Markdown : raw.isJson ? OutputForm::Json : OutputForm::Text;
+    options.emulatedCameras = requireCameraCount(raw);
+    if (options.map != ownNodeMap && options.module.empty()) {
+        refuse("--map", "It needs a module.", "stagelet params MODULE --map " + options.map);
+    }
     for (const VisibilityName& entry : visibilityNames) {
         if (raw.visibility == entry.name) {
             options.visibility = entry.visibility;
@@ -148,9 +171,7 @@ void convertRunOptions(const RawOptions& raw, RunOptions& options)
     if (!raw.updates.empty()) options.updates = requireCount("--updates", raw.updates, 1, most);
     if (!raw.maxDrops.empty()) options.maxDrops = requireCount("--max-drops", raw.maxDrops, 0, most);
     options.logLevel = static_cast<int>(requireCount("--log-level", raw.logLevel, 0, 7));
-    if (requireCount("--emulated-cameras", raw.cameras, 0, most) != 0) {
-        refuse("--emulated-cameras", "This version has no emulated cameras.", "leave the option out");
-    }
+    options.emulatedCameras = requireCameraCount(raw);
     options.wantsStatistics = !raw.statistics.empty();
     if (options.wantsStatistics && raw.statistics != "json") {
         refuse("--stats", "\"" + raw.statistics + "\" is no form.", "--stats json");
@@ -220,7 +241,7 @@ int runCommand(const CommandLine& line, std::ostream& out)
             showDescription(line.module, out);
             break;
         case Command::Devices:
-            showDevices(line.module, out);
+            showDevices(line.devices, out);
             break;
         case Command::Check:
             checkRecipe(line.run, out);
@@ -259,6 +280,7 @@ CommandLine parseCommandLine(std::vector<std::string> arguments)
         refuse("stagelet", e.what(), helpAdvice(app));
     }
     convertModuleOptions(raw, result.module);
+    result.devices = {result.module.emulatedCameras, raw.isJson};
     convertRunOptions(raw, result.run);
     result.command = commandOf(app);
     return result;

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "devicecommand.h"
 #include "hosterror.h"
 #include "modulecommands.h"
 #include "runcommand.h"
@@ -26,6 +27,7 @@ struct CommandLine
     Command command = Command::Help;
     std::string text;
     ModuleOptions module;
+    DeviceOptions devices;
     RunOptions run;
 };
 

@@ -8,7 +8,7 @@
 namespace Host {
 
 /// What the command ends with. Where several hold for a run, the first of this list counts:
-/// ForcedEnd, RunFailed, OutputNotWritten, TimedOut, DataLost.
+/// ForcedEnd, CameraLost, RunFailed, OutputNotWritten, TimedOut, DataLost.
 enum class ExitCode : int
 {
     Done = 0,
@@ -16,6 +16,8 @@ enum class ExitCode : int
     WrongCommandLine = 2,
     RecipeInvalid = 3,
     PackageNotLoaded = 4,
+    CameraNotAvailable = 5,  ///< A node that works with cameras got none: not found, busy or refused.
+    CameraLost = 6,          ///< A camera failed or was disconnected while in use.
     OutputNotWritten = 7,
     DataLost = 8,  ///< Finished, but more was lost than allowed.
     TimedOut = 9,

@@ -2,15 +2,18 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <ostream>
 
+#include "cameras.h"
+#include "core/ideviceresource.h"
 #include "faults.h"
 #include "hosterror.h"
 #include "jsonbuild.h"
+#include "noderesources.h"
 #include "packageset.h"
 #include "parameterreport.h"
 #include "recipe.h"
-#include "runtime/resourcepool.h"
 #include "texttable.h"
 
 namespace Host {
@@ -22,18 +25,54 @@ using Runtime::Package;
 namespace {
 
 /// A node of one module, alone.
-struct FreshNode
+class FreshNode
 {
-    std::shared_ptr<Core::IResourcePool> pool = std::make_shared<Runtime::ResourcePool>();
-    Runtime::NodeHandle node;
-    GenApi::CNodeMapRef map;
-
-    FreshNode(const Package& package, const std::string& module) : node(package.createNode(module, pool))
+public:
+    FreshNode(const Package& package, const std::string& module, std::size_t emulatedCameras = 0)
+        : module_(module),
+          pool_(std::make_shared<NodeResources>(makeResourcePool(emulatedCameras))),
+          node_(package.createNode(module, pool_))
+    {}
+    ~FreshNode()
     {
-        const auto found = getNodeMap(*node, ownNodeMap);
-        if (!found) GENICAM_THROW(RuntimeException, "The node map \"%s\" does not exist.", ownNodeMap);
-        map = *found;
+        if (isAllocated_) node_->freeResources();
     }
+    FreshNode(const FreshNode&) = delete;
+    FreshNode& operator=(const FreshNode&) = delete;
+
+    /// Allocates the node's resources if need be. Raises HostError.
+    GenApi::CNodeMapRef getMap(const std::string& identifier)
+    {
+        const auto present = listNodeMaps(*node_);
+        if (std::find(present.begin(), present.end(), identifier) == present.end()) allocate();
+        try {
+            if (const auto map = getNodeMap(*node_, identifier)) return *map;
+        } catch (const ParameterError& e) {
+            throw HostError(ExitCode::WrongCommandLine, "unknown node map", identifier,
+                            e.what() + suggest(e.name, e.known), "stagelet params " + module_);
+        }
+        throw HostError(ExitCode::RunFailed, "node map not present", identifier, "The module has no such map now.",
+                        "stagelet params " + module_);
+    }
+
+private:
+    void allocate()
+    {
+        try {
+            node_->allocateResources();
+            isAllocated_ = true;
+        } catch (...) {
+            throw HostError(pool_->usesDevices() ? ExitCode::CameraNotAvailable : ExitCode::RunFailed,
+                            "resources not allocated", module_, describeCurrentException(),
+                            "stagelet devices, for the cameras there are; --emulated-cameras 1, for one without "
+                            "hardware");
+        }
+    }
+
+    const std::string module_;
+    const std::shared_ptr<NodeResources> pool_;
+    const Runtime::NodeHandle node_;
+    bool isAllocated_ = false;
 };
 
 const Package& requirePackage(const PackageSet& packages, const std::string& module)
@@ -83,10 +122,10 @@ std::string formatModuleJson(const PackageSet& packages)
     return formatJson(JsonValue(std::move(root)));
 }
 
-ModuleParameters readParameters(const Package& package, const ModuleInfo& module, GenApi::EVisibility upTo)
+ModuleParameters readParameters(const Package& package, const ModuleInfo& module, const ModuleOptions& options)
 {
-    const FreshNode fresh(package, module.name);
-    return {module, listParameters(fresh.map, upTo), {}};
+    FreshNode fresh(package, module.name, options.emulatedCameras);
+    return {module, listParameters(fresh.getMap(options.map), options.visibility), {}};
 }
 
 std::vector<ModuleParameters> collectParameters(const PackageSet& packages, const ModuleOptions& options)
@@ -95,7 +134,9 @@ std::vector<ModuleParameters> collectParameters(const PackageSet& packages, cons
     if (!options.module.empty()) {
         const Package& package = requirePackage(packages, options.module);
         try {
-            result.push_back(readParameters(package, *package.findModule(options.module), options.visibility));
+            result.push_back(readParameters(package, *package.findModule(options.module), options));
+        } catch (const HostError&) {
+            throw;
         } catch (...) {
             throw nodeNotMade(options.module);
         }
@@ -104,7 +145,7 @@ std::vector<ModuleParameters> collectParameters(const PackageSet& packages, cons
     for (const Package& package : packages.getPackages()) {
         for (const ModuleInfo& module : package.getManifest().modules) {
             try {
-                result.push_back(readParameters(package, module, options.visibility));
+                result.push_back(readParameters(package, module, options));
             } catch (...) {
                 result.push_back(
                     {module, {}, "A node of this module cannot be made: " + describeCurrentException()});
@@ -155,22 +196,12 @@ void showDescription(const ModuleOptions& options, std::ostream& out)
     const PackageSet packages(options.packages);
     const Package& package = requirePackage(packages, options.module);
     try {
-        const FreshNode fresh(package, options.module);
-        out << fresh.map.GetNodeMap()->GetDescriptionText();
+        FreshNode fresh(package, options.module);
+        out << fresh.getMap(ownNodeMap).GetNodeMap()->GetDescriptionText();
+    } catch (const HostError&) {
+        throw;
     } catch (...) {
         throw nodeNotMade(options.module);
-    }
-}
-
-void showDevices(const ModuleOptions& options, std::ostream& out)
-{
-    if (options.form == OutputForm::Json) {
-        JsonObject root;
-        add(root, "schema", std::string("stagelet-devices/1"));
-        add(root, "devices", JsonArray());
-        out << formatJson(JsonValue(std::move(root)));
-    } else {
-        out << TextTable({{"NAME"}, {"MODEL"}, {"SERIAL NUMBER"}, {"BACK END"}}).toText(0);
     }
 }
 

@@ -6,6 +6,8 @@
 
 #include "genapi/types.h"
 
+#include "recipe.h"
+
 namespace Host {
 
 enum class OutputForm
@@ -23,12 +25,14 @@ struct ModuleOptions
     std::string module;  ///< Empty: all of them (showParameters only).
     OutputForm form = OutputForm::Text;
     GenApi::EVisibility visibility = GenApi::Invisible;
+    std::string map = ownNodeMap;  ///< Which of the module's node maps (showParameters only).
+    std::size_t emulatedCameras = 0;
 };
 
 void showModules(const ModuleOptions& options, std::ostream& out);
-/// The module named must be able to make a node; of all modules, those that cannot are shown with the reason.
+/// The module named must be able to make a node; of all modules, those that cannot are shown with the reason. For
+/// a map that a fresh node does not have, its resources are allocated.
 void showParameters(const ModuleOptions& options, std::ostream& out);
 void showDescription(const ModuleOptions& options, std::ostream& out);
-void showDevices(const ModuleOptions& options, std::ostream& out);
 
 }  // namespace Host

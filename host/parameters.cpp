@@ -1,5 +1,6 @@
 #include "parameters.h"
 
+#include <algorithm>
 #include <limits>
 #include <set>
 
@@ -230,19 +231,25 @@ void assignParameter(const CNodeMapRef& map, const std::string& name, const std:
     }
 }
 
+std::vector<std::string> listNodeMaps(Core::NodeBase& node)
+{
+    std::vector<std::string> identifiers;
+    auto* container = dynamic_cast<Core::INodeMapContainer*>(&node);
+    if (!container) return identifiers;
+    for (const auto& info : container->getNodeMapInfos())
+        identifiers.push_back(info.GetIdentifier().str());
+    return identifiers;
+}
+
 std::optional<CNodeMapRef> getNodeMap(Core::NodeBase& node, const std::string& identifier)
 {
-    auto* container = dynamic_cast<Core::INodeMapContainer*>(&node);
-    std::vector<std::string> known;
-    for (const auto& info : container ? container->getNodeMapInfos() : std::vector<Core::NodeMapInfo>())
-        known.push_back(info.GetIdentifier().str());
-    for (const std::string& entry : known) {
-        if (entry != identifier) continue;
-        CNodeMapRef map = container->getNodeMap(GenICam::gcstring(identifier));
-        if (!map.IsValid()) return std::nullopt;
-        return map;
+    const std::vector<std::string> known = listNodeMaps(node);
+    if (std::find(known.begin(), known.end(), identifier) == known.end()) {
+        throw ParameterError("There is no node map \"" + identifier + "\".", identifier, known);
     }
-    throw ParameterError("There is no node map \"" + identifier + "\".", identifier, known);
+    CNodeMapRef map = dynamic_cast<Core::INodeMapContainer&>(node).getNodeMap(GenICam::gcstring(identifier));
+    if (!map.IsValid()) return std::nullopt;
+    return map;
 }
 
 }  // namespace Host

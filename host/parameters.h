@@ -60,6 +60,9 @@ private:
 /// allowed.
 void assignParameter(const GenApi::CNodeMapRef& map, const std::string& name, const std::string& value);
 
+/// The identifiers of the node's maps at this moment.
+std::vector<std::string> listNodeMaps(Nivex::DataProcessing::Core::NodeBase& node);
+
 /// The map of that identifier; nothing if the node does have one, but not now. Raises ParameterError if it has
 /// none of that name.
 std::optional<GenApi::CNodeMapRef> getNodeMap(Nivex::DataProcessing::Core::NodeBase& node,

@@ -1,11 +1,12 @@
 #include "recipeloader.h"
 
+#include <algorithm>
+
 #include "core/advancednode.h"
 #include "core/simplenode.h"
 #include "hosterror.h"
 #include "parameters.h"
 #include "runtime/jsonsettings.h"
-#include "runtime/resourcepool.h"
 
 namespace Host {
 
@@ -35,10 +36,17 @@ std::vector<std::string> namesOf(const std::vector<Descriptor>& pins)
     return names;
 }
 
+/// How faults call an assignment of the command line, or the node that one of the recipe is for.
+std::string objectOf(const NodeAssignment& entry)
+{
+    return entry.text.empty() ? nodeObject(entry.node) : entry.text;
+}
+
 class RecipeLoader
 {
 public:
-    RecipeLoader(const PackageSet& packages, const std::string& folder) : packages_(packages), folder_(folder)
+    RecipeLoader(const PackageSet& packages, std::shared_ptr<Core::IResourcePool> pool, const std::string& folder)
+        : packages_(packages), pool_(std::move(pool)), folder_(folder)
     {
         result_.graph = std::make_unique<Runtime::Graph>(pool_);
     }
@@ -53,8 +61,10 @@ public:
                               packages_.getModuleNames());
             return;
         }
+        const auto resources = std::make_shared<NodeResources>(pool_);
+        result_.resources[node.name] = resources;
         try {
-            result_.graph->addNode(node.name, node.module, package->createNode(node.module, pool_));
+            result_.graph->addNode(node.name, node.module, package->createNode(node.module, resources));
         } catch (...) {
             faults.add(
                 node.modulePosition, nodeObject(node.name),
@@ -73,17 +83,17 @@ public:
         Core::NodeBase* node = result_.graph->findNode(entry.node);
         if (!node) return;
         const Assignment& assignment = entry.assignment;
-        const std::string object = entry.text.empty() ? nodeObject(entry.node) : entry.text;
         try {
-            if (const auto map = getNodeMap(*node, assignment.map)) {
+            const auto map = findNodeMap(entry.node, *node, assignment.map);
+            if (map) {
                 assignParameter(*map, assignment.parameter, assignment.value);
             } else {
                 result_.pending.push_back(entry);
             }
         } catch (const ParameterError& e) {
-            faults.addUnknown(assignment.position, object, e.what(), e.name, e.known);
+            faults.addUnknown(assignment.position, objectOf(entry), e.what(), e.name, e.known);
         } catch (...) {
-            faults.add(assignment.position, object, describeCurrentException());
+            faults.add(assignment.position, objectOf(entry), describeCurrentException());
         }
     }
 
@@ -116,6 +126,17 @@ public:
     LoadedRecipe take() { return std::move(result_); }
 
 private:
+    /// Nothing for a map that may come with the node's resources.
+    std::optional<GenApi::CNodeMapRef> findNodeMap(const std::string& name, Core::NodeBase& node,
+                                                   const std::string& identifier) const
+    {
+        if (result_.resources.at(name)->usesDevices()) {
+            const auto present = listNodeMaps(node);
+            if (std::find(present.begin(), present.end(), identifier) == present.end()) return std::nullopt;
+        }
+        return getNodeMap(node, identifier);
+    }
+
     void loadSettingsOf(const RecipeNode& node, FaultList& faults)
     {
         if (!node.settings) return;
@@ -129,8 +150,8 @@ private:
     }
 
     const PackageSet& packages_;
+    std::shared_ptr<Core::IResourcePool> pool_;
     std::string folder_;
-    std::shared_ptr<Core::IResourcePool> pool_ = std::make_shared<Runtime::ResourcePool>();
     LoadedRecipe result_;
 };
 
@@ -153,11 +174,12 @@ std::optional<NodeAssignment> parseNodeAssignment(const std::string& text)
     return NodeAssignment{text, text.substr(0, dot), std::move(*assignment)};
 }
 
-LoadedRecipe loadRecipe(const Recipe& recipe, const PackageSet& packages, const std::string& folder,
+LoadedRecipe loadRecipe(const Recipe& recipe, const PackageSet& packages,
+                        const std::shared_ptr<Core::IResourcePool>& pool, const std::string& folder,
                         const std::vector<NodeAssignment>& assignments, FaultList& faults,
                         FaultList& assignmentFaults)
 {
-    RecipeLoader loader(packages, folder);
+    RecipeLoader loader(packages, pool, folder);
     for (const RecipeNode& node : recipe.nodes)
         loader.addNode(node, faults);
     const std::vector<std::string> names = nodeNames(recipe);
@@ -174,23 +196,22 @@ LoadedRecipe loadRecipe(const Recipe& recipe, const PackageSet& packages, const 
     return loader.take();
 }
 
-void applyPending(const LoadedRecipe& recipe)
+void applyPending(const LoadedRecipe& recipe, FaultList& faults, FaultList& assignmentFaults)
 {
     for (const NodeAssignment& entry : recipe.pending) {
+        FaultList& list = entry.text.empty() ? faults : assignmentFaults;
         const Assignment& assignment = entry.assignment;
-        const auto refuse = [&](const std::string& why) {
-            throw HostError(ExitCode::RunFailed, "parameter not set",
-                            nodeObject(entry.node) + " " + assignment.map + "/" + assignment.parameter, why,
-                            "take the parameter out of the recipe, or correct it");
-        };
         try {
             const auto map = getNodeMap(*recipe.graph->findNode(entry.node), assignment.map);
-            if (!map)
-                refuse("The node map \"" + assignment.map +
-                       "\" does not exist, even with all resources allocated.");
+            if (!map) {
+                throw ParameterError("The node map \"" + assignment.map +
+                                     "\" does not exist, even with all resources allocated.");
+            }
             assignParameter(*map, assignment.parameter, assignment.value);
         } catch (const ParameterError& e) {
-            refuse(e.what() + suggest(e.name, e.known));
+            list.addUnknown(assignment.position, objectOf(entry), e.what(), e.name, e.known);
+        } catch (...) {
+            list.add(assignment.position, objectOf(entry), describeCurrentException());
         }
     }
 }

@@ -3,12 +3,15 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <condition_variable>
 #include <filesystem>
 #include <ostream>
 #include <thread>
 
+#include "cameras.h"
 #include "console.h"
+#include "core/errors.h"
 #include "logreporter.h"
 #include "parameters.h"
 #include "runreport.h"
@@ -72,8 +75,8 @@ LoadedRecipe load(const RunOptions& options)
     if (recipe.nodes.empty()) requireNoFaults(options.recipe, faults);
     const PackageSet packages(packageFiles);
     std::filesystem::current_path(file.parent_path());
-    LoadedRecipe loaded =
-        loadRecipe(recipe, packages, file.parent_path().string(), options.assignments, faults, assignmentFaults);
+    LoadedRecipe loaded = loadRecipe(recipe, packages, makeResourcePool(options.emulatedCameras),
+                                     file.parent_path().string(), options.assignments, faults, assignmentFaults);
     requireNoFaults(options.recipe, faults);
     requireNoFaults(assignmentFaults);
     return loaded;
@@ -165,38 +168,85 @@ private:
     std::shared_ptr<LogReporter> reporter_ = std::make_shared<LogReporter>(getConsole());
 };
 
-void reportNodeErrors(const Graph& graph)
+bool isOfDevice(const Core::IError& error)
 {
+    const auto& parents = error.getParentErrors();
+    return dynamic_cast<const Core::DeviceError*>(&error) ||
+           std::any_of(parents.begin(), parents.end(), [](const auto& parent) { return isOfDevice(*parent); });
+}
+
+/// Tells the errors of all nodes. CameraLost if one of them is a camera's, RunFailed otherwise.
+ExitCode reportNodeErrors(const Graph& graph)
+{
+    ExitCode code = ExitCode::RunFailed;
     for (const std::string& name : graph.getNodeNames()) {
         for (const auto& error : graph.findNode(name)->getErrors()) {
-            getConsole().writeLine("recipe stopped: " + nodeObject(name) + ": " +
+            const bool isCamera = isOfDevice(*error);
+            if (isCamera) code = ExitCode::CameraLost;
+            getConsole().writeLine((isCamera ? "camera lost: " : "recipe stopped: ") + nodeObject(name) + ": " +
                                    escapeControls(error->getDescription().view()));
         }
     }
-    getConsole().writeLine("try: stagelet run --log-level 7, to see more");
+    getConsole().writeLine(code == ExitCode::CameraLost
+                               ? "try: stagelet devices, after a look at the camera's cable and power"
+                               : "try: stagelet run --log-level 7, to see more");
+    return code;
 }
 
-void startRecipe(LoadedRecipe& recipe, const RunOptions& options)
+bool hasNodeError(const Graph& graph)
+{
+    const auto names = graph.getNodeNames();
+    return std::any_of(names.begin(), names.end(),
+                       [&graph](const std::string& name) { return graph.findNode(name)->hasError(); });
+}
+
+void setLateParameters(const LoadedRecipe& recipe, const RunOptions& options)
+{
+    FaultList faults;
+    FaultList assignmentFaults;
+    applyPending(recipe, faults, assignmentFaults);
+    // A camera that was lost refuses everything, which is no fault of the recipe.
+    if (hasNodeError(*recipe.graph)) return;
+    requireNoFaults(options.recipe, faults);
+    requireNoFaults(assignmentFaults);
+}
+
+[[noreturn]] void refuseStart(const LoadedRecipe& recipe, const RunOptions& options,
+                              const Runtime::NodeFailure& failure)
+{
+    if (failure.getStage() == Runtime::NodeFailure::Stage::Allocation &&
+        recipe.resources.at(failure.getNode())->usesDevices())
+    {
+        throw HostError(ExitCode::CameraNotAvailable, "camera not available", nodeObject(failure.getNode()),
+                        escapeControls(failure.getCause()),
+                        "stagelet devices, for the cameras there are; --emulated-cameras N, for some without "
+                        "hardware");
+    }
+    throw HostError(ExitCode::RunFailed, "recipe not started", options.recipe, failure.GetDescription(),
+                    "stagelet run --log-level 7, to see more");
+}
+
+/// False if a node has an error that keeps it from starting.
+bool startRecipe(LoadedRecipe& recipe, const RunOptions& options)
 {
     try {
         recipe.graph->setUpdateLimit(options.updates);
         recipe.graph->allocate();
-        applyPending(recipe);
+        setLateParameters(recipe, options);
         recipe.graph->start(recipe.startArguments);
-    } catch (const HostError&) {
-        throw;
-    } catch (...) {
-        throw HostError(ExitCode::RunFailed, "recipe not started", options.recipe, describeCurrentException(),
-                        "stagelet run --log-level 7, to see more");
+        return true;
+    } catch (const Runtime::NodeFailure& failure) {
+        if (failure.getStage() == Runtime::NodeFailure::Stage::Start && hasNodeError(*recipe.graph)) return false;
+        refuseStart(recipe, options, failure);
     }
 }
 
-/// From start to stop. What ended the run is the result.
+/// From allocation to stop. What ended the run is the result.
 Graph::Event execute(LoadedRecipe& recipe, const RunOptions& options, StopSignals& signals)
 {
     Graph& graph = *recipe.graph;
     if (signals.hasCome()) return Graph::Event::StopRequested;
-    startRecipe(recipe, options);
+    if (!startRecipe(recipe, options)) return Graph::Event::NodeError;
     const ProgressDisplay progress(graph);
     signals.onStop([&graph] { graph.requestStop(); });
     const Graph::Event event = graph.wait(options.time.value_or(std::chrono::nanoseconds(0)),
@@ -209,7 +259,6 @@ Graph::Event execute(LoadedRecipe& recipe, const RunOptions& options, StopSignal
 ExitCode judge(const RunOptions& options, Graph::Event event, const RunStatistics& statistics)
 {
     const bool hasOtherEnd = options.updates != 0 || options.idle;
-    if (event == Graph::Event::NodeError) return ExitCode::RunFailed;
     if (const auto failures = countOutputFailures(statistics)) {
         getConsole().writeLine("output not written: " + options.recipe + ": " + std::to_string(failures) +
                                " times a file, a folder or a video could not be written.\n"
@@ -238,7 +287,12 @@ void checkRecipe(const RunOptions& options, std::ostream& out)
     const LogToConsole log(options.logLevel);
     const LoadedRecipe recipe = load(options);
     const std::size_t count = recipe.graph->getNodeNames().size();
-    out << options.recipe << ": in order, " << count << (count == 1 ? " node" : " nodes") << "\n";
+    out << options.recipe << ": in order, " << count << (count == 1 ? " node" : " nodes");
+    if (!recipe.pending.empty()) {
+        out << "; not checked: " << recipe.pending.size()
+            << " parameters of node maps that are there in a run only";
+    }
+    out << "\n";
 }
 
 ExitCode runRecipe(const RunOptions& options, std::ostream& out)
@@ -252,12 +306,12 @@ ExitCode runRecipe(const RunOptions& options, std::ostream& out)
     LoadedRecipe recipe = load(options);
     warnOfMissingFolders(*recipe.graph);
     const Graph::Event event = execute(recipe, options, signals);
+    const ExitCode failure = event == Graph::Event::NodeError ? reportNodeErrors(*recipe.graph) : ExitCode::Done;
     const RunStatistics statistics = recipe.graph->getStatistics();
     recipe.graph->free();
-    if (event == Graph::Event::NodeError) reportNodeErrors(*recipe.graph);
     getConsole().writeLine(formatSummary(statistics));
     if (options.wantsStatistics) out << formatStatisticsJson(statistics);
-    return judge(options, event, statistics);
+    return failure == ExitCode::Done ? judge(options, event, statistics) : failure;
 }
 
 }  // namespace Host

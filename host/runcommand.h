@@ -21,6 +21,7 @@ struct RunOptions
     std::uint64_t updates = 0;  ///< 0: no limit.
     std::optional<std::chrono::nanoseconds> idle;
     std::vector<NodeAssignment> assignments;
+    std::size_t emulatedCameras = 0;
     bool wantsStatistics = false;
     int logLevel = 4;
     std::optional<std::uint64_t> maxDrops;

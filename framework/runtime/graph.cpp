@@ -4,8 +4,6 @@
 #include <condition_variable>
 #include <mutex>
 
-#include "gcbase/exception.h"
-
 #include "runtime/scheduler.h"
 #include "utils/log.h"
 
@@ -31,6 +29,19 @@ const Pin* findPin(const std::vector<Pin>& pins, const std::string& name)
 }
 
 }  // namespace
+
+NodeFailure::NodeFailure(Stage stage, std::string node, std::string cause)
+    : RuntimeException(node +
+                           (stage == Stage::Allocation ? ": The node's resources cannot be allocated: "
+                                                       : ": The node cannot be started: ") +
+                           cause,
+                       GenICam::sourceUnitName(__FILE__).c_str(), __LINE__),
+      stage_(stage),
+      node_(std::move(node)),
+      cause_(std::move(cause))
+{}
+
+NodeFailure::~NodeFailure() = default;
 
 struct Graph::Private
 {
@@ -213,8 +224,7 @@ void Graph::allocate()
             for (auto allocatedNode = done.rbegin(); allocatedNode != done.rend(); ++allocatedNode) {
                 (*allocatedNode)->handle->freeResources();
             }
-            GENICAM_THROW(RuntimeException, "%s: The node's resources cannot be allocated: %s", node->name.c_str(),
-                          failure.c_str());
+            throw NodeFailure(NodeFailure::Stage::Allocation, node->name, failure);
         }
     }
     private_->allocated = true;
@@ -267,8 +277,7 @@ void Graph::start(const std::map<std::string, Core::NodeArgumentCollection>& arg
         } catch (...) {
             const std::string failure = GenICam::describeCurrentException();
             private_->stopNodes(started);
-            GENICAM_THROW(RuntimeException, "%s: The node cannot be started: %s", node->name.c_str(),
-                          failure.c_str());
+            throw NodeFailure(NodeFailure::Stage::Start, node->name, failure);
         }
     }
 }

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "gcbase/exception.h"
+
 #include "core/ledger.h"
 #include "core/nodebase.h"
 
@@ -38,6 +40,29 @@ public:
 private:
     Kind kind_;
     std::string text_;
+};
+
+/// A node's refusal to have its resources allocated or to start. The text begins with the node's name.
+class GENICAM_API NodeFailure : public GenICam::RuntimeException
+{
+public:
+    enum class Stage
+    {
+        Allocation,
+        Start
+    };
+
+    NodeFailure(Stage stage, std::string node, std::string cause);
+    ~NodeFailure() override;
+    Stage getStage() const { return stage_; }
+    const std::string& getNode() const { return node_; }
+    /// What the node said.
+    const std::string& getCause() const { return cause_; }
+
+private:
+    Stage stage_;
+    std::string node_;
+    std::string cause_;
 };
 
 struct NodeStatistics
@@ -101,9 +126,9 @@ public:
                  const std::string& input);
 
     /// Allocates the resources of all nodes. A failure frees those that were allocated and passes on as
-    /// RuntimeException that begins with the node's name. The same holds for start.
+    /// NodeFailure.
     void allocate();
-    /// Starts sinks before sources. A failure stops those that were started.
+    /// Starts sinks before sources. A failure stops those that were started and passes on as NodeFailure.
     void start(const std::map<std::string, Core::NodeArgumentCollection>& arguments = {});
     /// Stops sources first, lets what is in flight finish, then stops the rest. Does nothing when not started. A
     /// node's failure to stop is logged; the others stop all the same.

@@ -8,6 +8,8 @@
 #include "genapi/genapi.h"
 
 #include "core/advancednode.h"
+#include "core/errors.h"
+#include "core/ideviceresource.h"
 #include "core/inodemapcontainer.h"
 #include "core/string.h"
 #include "utils/log.h"
@@ -23,6 +25,17 @@ constexpr const char* sourceMap = R"(<?xml version="1.0" encoding="utf-8"?>
   <Category Name="Root"><pFeature>Count</pFeature><pFeature>Refuse</pFeature></Category>
   <Integer Name="Count"><Value>3</Value><Min>0</Min><Max>100</Max></Integer>
   <Integer Name="Refuse"><Value>0</Value><Min>0</Min><Max>1</Max></Integer>
+</RegisterDescription>)";
+constexpr const char* grabberMap = R"(<?xml version="1.0" encoding="utf-8"?>
+<RegisterDescription ModelName="Grabber" VendorName="Test" StandardNameSpace="None" SchemaMajorVersion="1"
+    SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0" SubMinorVersion="0"
+    ProductGuid="0" VersionGuid="0" xmlns="http://www.genicam.org/GenApi/Version_1_1">
+  <Category Name="Root"><pFeature>Count</pFeature><pFeature>Refuse</pFeature><pFeature>Camera</pFeature>
+    <pFeature>Lost</pFeature></Category>
+  <Integer Name="Count"><Value>3</Value><Min>0</Min><Max>100</Max></Integer>
+  <Integer Name="Refuse"><Value>0</Value><Min>0</Min><Max>1</Max></Integer>
+  <Integer Name="Camera"><Value>0</Value><Min>0</Min><Max>9</Max></Integer>
+  <Integer Name="Lost"><Value>0</Value><Min>0</Min><Max>2</Max></Integer>
 </RegisterDescription>)";
 constexpr const char* sinkMap = R"(<?xml version="1.0" encoding="utf-8"?>
 <RegisterDescription ModelName="Sink" VendorName="Test" StandardNameSpace="None" SchemaMajorVersion="1"
@@ -77,7 +90,8 @@ protected:
 class Source : public FakeNode
 {
 public:
-    explicit Source(const std::shared_ptr<Core::IResourcePool>& pool) : FakeNode(pool, sourceMap)
+    explicit Source(const std::shared_ptr<Core::IResourcePool>& pool, const char* description = sourceMap)
+        : FakeNode(pool, description)
     {
         createOutput("Text", "Text", Utils::TypeInfo::get<Core::String>());
     }
@@ -101,8 +115,10 @@ protected:
                 values["Text"] = Utils::Variant(Core::String("text"));
                 createJob(update, std::move(values));
             }
+            onSent();
         });
     }
+    virtual void onSent() {}
     void onStopping() override
     {
         if (thread_.joinable()) thread_.join();
@@ -110,6 +126,60 @@ protected:
 
 private:
     std::thread thread_;
+};
+
+/// A source with a camera, number "Camera" of the emulated ones, and with a map "@Device" while it has it. The
+/// camera is gone at once if "Lost" is 1, or after the last text if it is 2.
+class Grabber : public Source
+{
+public:
+    explicit Grabber(const std::shared_ptr<Core::IResourcePool>& pool) : Source(pool, grabberMap)
+    {
+        changed_.set(pool->getResourcesChangedSignal().connect([] {}), true);
+    }
+    ~Grabber() override { cleanup(); }
+
+    std::vector<Core::NodeMapInfo> getNodeMapInfos() override
+    {
+        std::vector<Core::NodeMapInfo> infos = {{"Fake", "@Stagelet"}};
+        if (isAllocated_) infos.emplace_back("Device", "@Device");
+        return infos;
+    }
+
+protected:
+    void allocateAdditionalResources(const std::shared_ptr<Core::IResourcePool>& pool, bool mayRefresh) override
+    {
+        Nivex::CDeviceInfo wanted;
+        wanted.SetPropertyValue("SerialNumber",
+                                ("0815-000" + std::to_string(integer("Camera").GetValue())).c_str());
+        const auto found = pool->query(Utils::TypeInfo::get<Core::IDeviceResource>(), Core::ResourceInfo(wanted));
+        if (found.empty()) GENICAM_THROW(RuntimeException, "No camera of that number.");
+        device_ = dynamic_cast<Core::IDeviceResource&>(*found.begin()->second).getDevice();
+        if (!device_) GENICAM_THROW(RuntimeException, "The camera is in use.");
+        Source::allocateAdditionalResources(pool, mayRefresh);
+        if (integer("Lost").GetValue() == 1) lose();
+    }
+    void onStarting(const Core::NodeArgumentCollection& arguments) override
+    {
+        if (hasError()) GENICAM_THROW(RuntimeException, "There is no camera to start.");
+        Source::onStarting(arguments);
+    }
+    void onSent() override
+    {
+        if (integer("Lost").GetValue() == 2) lose();
+    }
+
+private:
+    void lose()
+    {
+        const std::shared_ptr<Core::IError> cause =
+            std::make_shared<Core::DeviceError>("The cable was pulled.", Utils::DateTime::now());
+        setError(std::make_shared<Core::InvalidValueError>("The camera is gone.", Core::ErrorList{cause},
+                                                           Utils::DateTime::now()));
+    }
+
+    Utils::ScopedConnection changed_;
+    std::unique_ptr<Nivex::INivexDevice> device_;
 };
 
 /// Takes texts at as many inputs as "Pins" says, and loses each for the cause of that number, or else records it.
@@ -159,6 +229,10 @@ constexpr const char* manifest = R"({
   { "Name": "Sink", "Uuid": "00000000-0000-0000-0000-000000000002", "ObjectVersion": "1.0.0",
     "MinRequiredSoftwareVersion": "1.0.0", "MinRequiredFileVersion": "1.0.0", "InterfaceType": "Native",
     "DisplayName": "A sink", "Tags": [], "ShortDescription": "Short", "DetailedDescription": "",
+    "SupportedUuids": [], "HasDynamicInfo": "False" },
+  { "Name": "Grabber", "Uuid": "00000000-0000-0000-0000-000000000003", "ObjectVersion": "1.0.0",
+    "MinRequiredSoftwareVersion": "1.0.0", "MinRequiredFileVersion": "1.0.0", "InterfaceType": "Native",
+    "DisplayName": "A grabber", "Tags": [], "ShortDescription": "Short", "DetailedDescription": "",
     "SupportedUuids": [], "HasDynamicInfo": "False" }
 ])"
 #ifndef FAKE_MANIFEST_BROKEN
@@ -196,6 +270,16 @@ FAKE_EXPORT Core::NodeBase* create_Source(const std::shared_ptr<Core::IResourceP
 }
 
 FAKE_EXPORT void destroy_Source(Core::NodeBase* node)
+{
+    delete node;
+}
+
+FAKE_EXPORT Core::NodeBase* create_Grabber(const std::shared_ptr<Core::IResourcePool>& pool)
+{
+    return new Grabber(pool);
+}
+
+FAKE_EXPORT void destroy_Grabber(Core::NodeBase* node)
 {
     delete node;
 }

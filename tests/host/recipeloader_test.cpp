@@ -2,8 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "cameras.h"
 #include "faultmatch.h"
-#include "hosterror.h"
 #include "parameters.h"
 
 namespace Host {
@@ -18,7 +18,8 @@ protected:
         std::vector<NodeAssignment> assignments;
         for (const std::string& entry : set)
             assignments.push_back(parseNodeAssignment(entry).value());
-        return loadRecipe(readRecipe(text, faults), packages, "/", assignments, faults, setFaults);
+        return loadRecipe(readRecipe(text, faults), packages, makeResourcePool(1), "/", assignments, faults,
+                          setFaults);
     }
     static std::string valueOf(const LoadedRecipe& recipe, const char* node, const char* parameter)
     {
@@ -49,10 +50,30 @@ TEST_F(RecipeLoaderTest, GivesNodesTheirValuesInOrder)
     EXPECT_TRUE(recipe.startArguments.at("A").hasArgument("x"));
 
     EXPECT_EQ(valueOf(recipe, "C", "Cause"), "-1");
-    EXPECT_THROW(applyPending(recipe), HostError) << "the map is not there yet";
     recipe.graph->allocate();
-    applyPending(recipe);
+    applyPending(recipe, faults, setFaults);
+    expectFaults(faults, {});
     EXPECT_EQ(valueOf(recipe, "C", "Cause"), "4");
+}
+
+// A node with a device may get any map with it, so that values wait for it, and their faults too.
+TEST_F(RecipeLoaderTest, ValuesForADeviceWaitForIt)
+{
+    const LoadedRecipe recipe = load(R"({ "Recipe": 1, "Nodes": [
+ { "Name": "A", "Module": "Grabber", "Parameters": [ "@Device/Count = 1", "@Device/Count = 101",
+   "@Devise/Count = 2", "@Device/Cuont = 2" ] } ] })",
+                                     {"A.@Device/Count=2", "A.@Device/Count=-1", "A.@Stagelet/Lost=0"});
+    expectFaults(faults, {});
+    expectFaults(setFaults, {});
+    EXPECT_EQ(recipe.pending.size(), 6U);
+    EXPECT_TRUE(recipe.resources.at("A")->usesDevices());
+    recipe.graph->allocate();
+    applyPending(recipe, faults, setFaults);
+    expectFaults(faults, {{2, 75, "node \"A\"", "\"Count\" does not take \"101\""},
+                          {3, 4, "node \"A\"", "no node map \"@Devise\". Did you mean \"@Device\"?"},
+                          {3, 25, "node \"A\"", "no parameter \"Cuont\". Did you mean \"Count\"?"}});
+    expectFaults(setFaults, {{0, 0, "A.@Device/Count=-1", "Allowed: 0 to 100."}});
+    EXPECT_EQ(valueOf(recipe, "A", "Count"), "2") << "the command line comes last";
 }
 
 TEST_F(RecipeLoaderTest, TellsTheFaultsOfAllStages)

@@ -52,7 +52,7 @@ TEST(Package, LivesAsLongAsItsLastNode)
     NodeHandle node;
     {
         const Package package(file);
-        EXPECT_EQ(package.getManifest().modules.size(), 2U);
+        EXPECT_EQ(package.getManifest().modules.size(), 3U);
         EXPECT_EQ(package.findModule("Source")->displayName, "A source");
         EXPECT_EQ(package.findModule("Other"), nullptr);
         EXPECT_THROW(package.createNode("Other", pool), GenICam::InvalidArgumentException);
@@ -75,7 +75,7 @@ TEST(Package, FaultsNameFileAndCause)
         {__FILE__, "cannot be loaded"},
         {STAGELET_LIB_DIR "/libGCBase.so", "no entry point \"get_InterfaceVersion\""},
         {fakeFile("version"), "Its interface version is 3; this host speaks version 2."},
-        {fakeFile("manifest_broken"), "manifest is not in order: 12:4: "},
+        {fakeFile("manifest_broken"), "manifest is not in order: 16:4: "},
         {fakeFile("entry_missing"), "no entry point \"destroy_Sink\""},
     };
     for (const auto& c : cases) {
