@@ -1,4 +1,5 @@
-// What a DataWriter costs beside its files: making its node map, one update, one name.
+// What a DataWriter costs beside its files: making its node map, one update, one name. All its media writers but
+// those of the names take the data and write none.
 //
 // "ratio" of the node map is its time over that of a copy of its description, the least that making it could cost.
 // That of an update is over an update that no record is taken of, that of a name over printing the same date with
@@ -27,11 +28,14 @@ using namespace Plugin::NivexStageletPackageBase;
 class NoFiles : public IMediaWriter
 {
 public:
+    static inline std::uint64_t itemCount = 0;  ///< Of all of them.
+
     explicit NoFiles(IWriterLedger& ledger) : ledger_(ledger) {}
     void beginSession(const MediaWriterContext&) override {}
     void beginRecord(const MediaWriterContext&) override {}
     void writeData(const Utils::Variant&, const Utils::TypeInfo&, const MediaWriterContext&) override
     {
+        ++itemCount;
         ledger_.reportRecorded(0, 0);
     }
     void endRecord(const MediaWriterContext&) override {}
@@ -101,12 +105,27 @@ Core::PinValues valuesFor(std::size_t pins)
     return values;
 }
 
+/// Each pin goes to each writer.
+void connectAll(DataWriter& node, std::size_t pins, std::size_t writers)
+{
+    setParameter(node, "NumInputDataPins", std::to_string(pins));
+    setParameter(node, "NumMediaWriters", std::to_string(writers));
+    for (std::size_t pin = 1; pin <= pins; ++pin) {
+        setParameter(node, "InputDataPinSelector", std::to_string(pin));
+        for (std::size_t writer = 1; writer <= writers; ++writer) {
+            setParameter(node, "MediaWriterSelector", std::to_string(writer));
+            setParameter(node, "UseMediaWriterEnable", "On");
+        }
+    }
+}
+
 void update(benchmark::State& state)
 {
     const auto pins = static_cast<std::size_t>(state.range(0));
+    const auto writers = static_cast<std::size_t>(state.range(1));
     const Core::PinValues values = valuesFor(pins);
     DataWriter node(nullptr, withoutFiles);
-    setParameter(node, "NumInputDataPins", std::to_string(pins));
+    connectAll(node, pins, writers);
     setParameter(node, "OutputFolderName", std::filesystem::temp_directory_path().string());
     setParameter(node, "SessionFolderName", "");
     const auto run = [&] { node.startExecution([&](auto&, Core::PinValues& target) { target = values; }); };
@@ -116,8 +135,11 @@ void update(benchmark::State& state)
     node.stop();
     setParameter(node, "RecordPeriod", "1");
     node.start({});
+    NoFiles::itemCount = 0;
     measure(state, refused, run);
     node.stop();
+    const auto items = static_cast<std::uint64_t>(state.iterations()) * pins * writers;
+    if (NoFiles::itemCount != items) state.SkipWithError("not all items reached the writers");
 }
 
 void sessionName(benchmark::State& state)
@@ -141,7 +163,13 @@ void sessionName(benchmark::State& state)
 BENCHMARK(nodeMapWith100Pins)
     ->Name("datawriter/node_map_100_pins/over_copy_of_text")
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(update)->Name("datawriter/update_recorded/over_refused")->ArgName("pins")->Arg(1)->Arg(10)->Arg(100);
+BENCHMARK(update)
+    ->Name("datawriter/update_recorded/over_refused")
+    ->ArgNames({"pins", "writers"})
+    ->Args({1, 1})
+    ->Args({10, 1})
+    ->Args({10, 4})
+    ->Args({100, 1});
 BENCHMARK(sessionName)->Name("datawriter/session_name/over_snprintf");
 
 }  // namespace
