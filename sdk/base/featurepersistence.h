@@ -13,11 +13,15 @@ class GENICAM_API CFeaturePersistence
 {
 public:
     /// All streamable features that can be read and written now, for every value of their selectors; the selectors
-    /// are as before afterwards. Raises RuntimeException that names the feature which failed.
+    /// are as before afterwards. Raises RuntimeException that names the feature which failed, and for selectors
+    /// with more than 20000 choices.
     static void SaveToString(GenICam::gcstring& text, GenApi::INodeMap& nodeMap);
-    /// Applies the lines in order. Every line is tried; if any failed, RuntimeException lists them (the first ten)
-    /// with number, name, value and cause: a line without a tab, an unknown name, one that can't be written, a
-    /// value that is refused. `verify` reads each value back. An empty text changes nothing.
+    /// Applies the lines in order. Every line is tried; if any failed, all are tried once more, since an earlier
+    /// value may have been refused for what a later line changes. If any fails then, RuntimeException lists them
+    /// (the first ten) with number, name, value and cause: a line without a tab, an unknown name, a command, one
+    /// that can't be written, a value that is refused. What could be applied stays. `verify` reads each value
+    /// back; a floating-point value may be off by a ten-thousandth or its increment. An empty text changes
+    /// nothing.
     static void LoadFromString(const GenICam::gcstring& text, GenApi::INodeMap& nodeMap, bool verify = true);
 };
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <condition_variable>
 #include <cstdint>
 #include <cstring>
@@ -74,6 +75,7 @@ struct FakeState
     /// Called before the device's operation of that name ("Open", "StartStream", "GetPayloadSize",
     /// "CreateChunkNodeMap") or write to that address ("write 0"); may raise.
     std::function<void(const std::string& operation)> before = [](const std::string&) {};
+    std::uint32_t largestValue = 0xFFFFFFFF;  ///< Of what is written beyond it, this is kept.
 
     std::mutex mutex;
     std::condition_variable changed;
@@ -127,7 +129,7 @@ public:
         std::memcpy(&value, buffer, static_cast<std::size_t>(std::min<int64_t>(length, 4)));
         state_->Note("write " + std::to_string(address) + " " + std::to_string(value));
         const std::lock_guard lock(state_->mutex);
-        state_->registers[address] = value;
+        state_->registers[address] = std::min(value, state_->largestValue);
     }
 
 private:
