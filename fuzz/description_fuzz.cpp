@@ -2,6 +2,7 @@
 // of zeros. Failures of the GenICam family are an answer; anything else is a find.
 #include <cstdint>
 #include <cstring>
+#include <deque>
 
 #include "gcbase/exception.h"
 #include "genapi/genapi.h"
@@ -80,14 +81,18 @@ void touch(INode& node)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
 {
     attempt([&] {
+        std::deque<ZeroPort> ports;  // one for each Port node, longer-lived than the map
         const NodeMapPtr map =
             CNodeMapFactory(ContentType_Xml, data ? data : reinterpret_cast<const uint8_t*>(""), size)
                 .CreateNodeMap();
         NodeList_t nodes;
         map->GetNodes(nodes);
-        ZeroPort port;
-        for (INode* node : nodes)
-            if (dynamic_cast<IPort*>(node)) map->Connect(&port, node->GetName());
+        for (std::size_t i = 0; i < nodes.size(); ++i)
+            if (i % 2 == 0 && dynamic_cast<IPort*>(nodes[i]))
+                map->Connect(&ports.emplace_back(), nodes[i]->GetName());
+        // The other ports read what comes to them as chunks and events.
+        attempt([&] { CChunkAdapter(*map).AttachBuffer(data, size, CChunkAdapter::ByteOrder::LittleEndian); });
+        attempt([&] { CEventAdapter(*map).DeliverEvent(1, data, size); });
         // Each touch may cost as much as the map has nodes; the first hundred find what there is to be found.
         for (std::size_t i = 0; i < nodes.size() && i < 100; ++i)
             touch(*nodes[i]);

@@ -8,7 +8,8 @@ namespace GenApi {
 /// they run under the lock of the map that asks.
 ///
 /// The port must be disconnected before what its operations need goes away. Its destructor disconnects it if that
-/// was forgotten, provided no other thread uses the map at that moment.
+/// was forgotten, provided no other thread uses the map at that moment. It knows one Port node, the last it was
+/// connected to: a port that serves several must be disconnected from the others.
 class GENICAM_API CPortImpl : public IPortConstruct
 {
 public:
