@@ -37,6 +37,10 @@ protected:
     /// The removal itself, on a thread of the pool, without a lock held. What it throws is logged by the pool.
     virtual void handleCameraDeviceRemoval() = 0;
 
+    /// Waits until no removal is queued or running; those that come afterwards go on as before. Not to be called
+    /// by a removal, nor with a lock that it needs.
+    void waitForRemoval();
+
     /// Refuses further removals, withdraws a queued one, and waits until the pool has let go of all jobs. May be
     /// called again. Must not be called on a thread of the pool.
     void finishRemovals();
@@ -51,8 +55,9 @@ private:
     const std::shared_ptr<Nivex::DataProcessing::Threading::ThreadPool> threadPool_;
     const std::shared_ptr<Mutex> mutex_ = std::make_shared<Mutex>();  ///< Guards all below and the jobs' states.
     const std::shared_ptr<Condition> condition_ = std::make_shared<Condition>();
-    std::shared_ptr<CameraDeviceRemovalJob> job_;  ///< The newest; null when it has finished.
-    std::vector<Token> tokens_;                    ///< Of all jobs that the pool may still hold.
+    std::vector<std::shared_ptr<CameraDeviceRemovalJob>>
+        jobs_;                   ///< That have not finished; all but the last one run.
+    std::vector<Token> tokens_;  ///< Of all jobs that the pool may still hold.
     bool finishing_ = false;
 };
 
@@ -80,12 +85,13 @@ public:
 
     /// Turns a job that waits into a finished one; false if it was started before.
     bool withdraw();
-    /// Not to be called by the removal, nor with a lock that it needs.
-    void waitUntilFinished();
     State getState() const;
 
 private:
     class Finish;
+
+    /// With mutex_ held; condition_ is to be notified afterwards.
+    void endLocked();
 
     ThreadedConfigurationEventHandler* handler_;  ///< Null when finished.
     const std::shared_ptr<Mutex> mutex_;          ///< Guards handler_ and state_; never held while the node works.

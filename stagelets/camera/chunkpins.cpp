@@ -1,0 +1,74 @@
+#include "camera/chunkpins.h"
+
+#include "camera/cameralog.h"
+#include "camera/nodevalues.h"
+#include "core/array.h"
+#include "core/errors.h"
+
+namespace Plugin::NivexStageletPackageBase {
+
+namespace Core = Nivex::DataProcessing::Core;
+namespace Utils = Nivex::DataProcessing::Utils;
+using GenICam::gcstring;
+
+namespace {
+
+/// The value, or one with an error if it can't be read.
+template <typename Value, typename Parameter>
+Value readValue(const Parameter& parameter)
+{
+    Core::ErrorList causes;
+    try {
+        if (parameter.IsReadable()) return Value(parameter.GetValue());
+    } catch (const GenICam::GenericException& e) {
+        causes.push_back(std::make_shared<Core::GenICamExceptionError>(e));
+    }
+    return Value(std::make_shared<Core::InvalidValueError>("Failed to get chunk data value.", std::move(causes),
+                                                           Utils::DateTime::now()));
+}
+
+/// The value as a pin with so many value names puts it out.
+template <typename Value>
+Utils::Variant toPinValue(Value value, std::size_t nameCount)
+{
+    if (nameCount < 2) return Utils::Variant(Utils::COWPtr<Value>(std::move(value)));
+    Core::Array<Value> values(nameCount);
+    values.set(0, std::move(value));
+    return Utils::Variant(Utils::COWPtr<Core::Array<Value>>(std::move(values)));
+}
+
+Utils::Variant readPin(const PinMapping& pin, const GenApi::NodeMapPtr& nodeMap)
+{
+    const auto& properties = pin.properties;
+    if (properties.count(PinProperty::SelectorName) != 0) {
+        const gcstring& entry = properties.at(PinProperty::SelectorValue).front();
+        Nivex::CEnumParameter(nodeMap, properties.at(PinProperty::SelectorName).front()).SetValue(entry);
+    }
+    Utils::Variant pinValue;
+    const GenICam::gcstring_vector& names = properties.at(PinProperty::ValueName);
+    for (const gcstring& name : names) {
+        const GenApi::INode* node = nodeMap->GetNode(name);
+        if (!node) continue;
+        readByInterface(*node, [&]<typename Value, typename Parameter>() {
+            pinValue = toPinValue(readValue<Value>(Parameter(nodeMap, name)), names.size());
+        });
+    }
+    return pinValue;
+}
+
+}  // namespace
+
+void readChunkPins(const PinMappings& pins, const Nivex::CGrabResultData& result, Core::PinValues& values,
+                   const void* node)
+{
+    for (const auto& [name, pin] : pins) {
+        try {
+            values[pin.name] = readPin(pin, result.GetChunkDataNodeMap());
+        } catch (...) {
+            Utils::createLogEntry(Utils::SeverityProgress, cameraChannel(),
+                                  "Camera %p: Failed to get chunk data value for \"%s\" pin.", node, name.c_str());
+        }
+    }
+}
+
+}  // namespace Plugin::NivexStageletPackageBase
