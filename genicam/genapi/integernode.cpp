@@ -41,7 +41,7 @@ int64_t CIntegerNode::OfValue(int64_t (INumber::*limit)(), int64_t otherwise,
 // Nothing could be written that all of them take.
 bool CIntegerNode::IncrementsDiffer() const
 {
-    const auto& written = value_.Written();
+    const auto written = value_.Written();
     return !inc_.IsGiven() && std::any_of(written.begin(), written.end(), [&](const NumberRef& each) {
         return each->IncInteger() != written.front()->IncInteger();
     });

@@ -98,9 +98,9 @@ EAccessMode ValueSource<Number>::Mode() const
     if (index_ && !index_.IsReadable()) return NA;
     const NumberRef& node = Current().Reference();
     const EAccessMode mode = node ? node.Node().Mode() : RW;
-    const bool allWritable = std::all_of(Written().begin(), Written().end(), [](const NumberRef& written) {
-        return IsWritable(written.Node().Mode());
-    });
+    const auto written = Written();
+    const bool allWritable = std::all_of(written.begin(), written.end(),
+                                         [](const NumberRef& each) { return IsWritable(each.Node().Mode()); });
     return allWritable ? mode : Combine(mode, RO);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -23,7 +24,10 @@ public:
     /// The node of the value, which never changes; none where an index chooses.
     const NumberRef& Fixed() const { return single_.Reference(); }
     /// The node of the value and those of its copies, in the order of the description; empty without copies.
-    const std::vector<NumberRef>& Written() const { return copies_ ? written_ : noCopies_; }
+    std::span<const NumberRef> Written() const
+    {
+        return copies_ ? std::span<const NumberRef>(written_) : std::span<const NumberRef>();
+    }
 
     EAccessMode Mode() const;
     Number Read(bool ignoreCache) const { return Current().Read(ignoreCache); }
@@ -40,7 +44,6 @@ private:
     Source<Number> single_;
     bool copies_ = false;
     std::vector<NumberRef> written_;
-    const std::vector<NumberRef> noCopies_;
     NumberRef index_;
     std::vector<std::pair<int64_t, Source<Number>>> indexed_;
     Source<Number> otherwise_;
