@@ -41,8 +41,8 @@ public:
 };
 
 /// Hears of what happens to a camera. Those in -ed come after, the others before the step; what one of the latter
-/// throws stops the step. All run on the thread that does the step, with the camera's lock held, but for
-/// OnGrabError and OnCameraDeviceRemoved.
+/// throws stops the step, unless it comes by itself (the last result, the camera's destructor). All run on the
+/// thread that does the step, with the camera's lock held, but for OnGrabError and OnCameraDeviceRemoved.
 class GENICAM_API CConfigurationEventHandler
 {
 public:
@@ -59,7 +59,8 @@ public:
     virtual void OnGrabStarted(CInstantCamera& camera);
     virtual void OnGrabStop(CInstantCamera& camera);
     virtual void OnGrabStopped(CInstantCamera& camera);
-    /// A handler threw; on the thread that called it, without the camera's lock.
+    /// A handler threw where nobody waits for the outcome; on the thread that called it, without the camera's
+    /// lock.
     virtual void OnGrabError(CInstantCamera& camera, const char* message);
     /// The camera is gone. On a thread of the back end, without the camera's lock; must not close or detach the
     /// device nor wait for a thread that does.

@@ -44,7 +44,8 @@ public:
 
     std::uint64_t GetBlockID() const { return frame_.blockId; }      ///< The camera's frame number; 0 if none.
     std::uint64_t GetTimeStamp() const { return frame_.timestamp; }  ///< The camera's clock, in ns.
-    std::uint64_t GetImageNumber() const { return imageNumber_; }    ///< From 1, since the grabbing was started.
+    /// From 1, since the grabbing was started; those skipped have one too.
+    std::uint64_t GetImageNumber() const { return imageNumber_; }
     /// Results dropped by the grab strategy directly before this one.
     std::uint64_t GetNumberOfSkippedImages() const { return skipped_; }
 
@@ -56,9 +57,9 @@ public:
 
     /// True if the frame carries chunks, as far as its end tells.
     bool IsChunkDataAvailable() const { return frame_.hasChunks; }
-    /// The map whose chunk features show this frame. Never null; raises RuntimeException if the camera
-    /// has no chunks or those of this frame are damaged. Who keeps it longer than the result finds its features
-    /// not available.
+    /// The map whose chunk features show this frame. Never null; raises RuntimeException if the camera or the
+    /// frame has no chunks, those of this frame are damaged, or ChunkNodeMapsEnable is off. Who keeps it longer
+    /// than the result finds its features not available.
     virtual GenApi::NodeMapPtr GetChunkDataNodeMap() const = 0;
 
 protected:

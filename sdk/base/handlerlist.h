@@ -2,7 +2,6 @@
 
 #include <condition_variable>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -34,7 +33,8 @@ public:
 
     HandlerList() : registrations_(std::make_shared<const Registrations>()) {}
 
-    /// A registration, not yet in the list. InvalidArgumentException for null.
+    /// A registration, not yet in the list. InvalidArgumentException for null. The first registration of a handler
+    /// decides about its cleanup.
     Pointer Make(Handler* handler, ECleanup cleanup, const GenICam::gcstring& nodeName = {}, std::intptr_t id = 0);
     /// InvalidArgumentException if the handler is there already, for this node.
     void Add(const Pointer& registration);
@@ -44,7 +44,8 @@ public:
     /// All of them, in the same way.
     std::vector<Pointer> RemoveAll();
     /// Calls `call` with each registration; what it throws ends the walk and passes.
-    void ForEach(const std::function<void(Registration&)>& call);
+    template <typename Action>
+    void ForEach(const Action& call);
 
 private:
     using Registrations = std::vector<Pointer>;

@@ -104,7 +104,8 @@ auto HandlerList<Handler>::RemoveAll() -> std::vector<Pointer>
 }
 
 template <typename Handler>
-void HandlerList<Handler>::ForEach(const std::function<void(Registration&)>& call)
+template <typename Action>
+void HandlerList<Handler>::ForEach(const Action& call)
 {
     std::shared_ptr<const Registrations> present;
     {

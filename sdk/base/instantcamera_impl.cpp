@@ -71,10 +71,10 @@ void CInstantCamera::Impl::Report(const Failures& failures) noexcept
         Report(text);
 }
 
-std::shared_ptr<INivexDevice> CInstantCamera::Impl::Device() const
+INivexDevice* CInstantCamera::Impl::Device() const
 {
     const std::lock_guard lock(state_);
-    return link_.device;
+    return link_.device.get();
 }
 
 bool CInstantCamera::Impl::IsAttached() const
@@ -84,8 +84,8 @@ bool CInstantCamera::Impl::IsAttached() const
 
 CDeviceInfo CInstantCamera::Impl::DeviceInfo() const
 {
-    const auto device = Device();
-    return device ? device->GetDeviceInfo() : CDeviceInfo();
+    const std::lock_guard lock(state_);
+    return link_.device ? link_.device->GetDeviceInfo() : CDeviceInfo();
 }
 
 bool CInstantCamera::Impl::IsOpen() const
@@ -96,9 +96,8 @@ bool CInstantCamera::Impl::IsOpen() const
 
 bool CInstantCamera::Impl::IsRemoved() const
 {
-    if (removed_) return true;
-    const auto device = Device();
-    return device && device->IsRemoved();
+    const std::lock_guard lock(state_);
+    return removed_ || (link_.device && link_.device->IsRemoved());
 }
 
 GenApi::NodeMapPtr CInstantCamera::Impl::NodeMap(Map which) const
@@ -116,7 +115,7 @@ void CInstantCamera::Impl::RequireNotClosing() const
 void CInstantCamera::Impl::Attach(INivexDevice* device, ECleanup cleanup)
 {
     if (!device) GENICAM_THROW(InvalidArgumentException, "A device to be attached is a null pointer.");
-    if (Device().get() == device)
+    if (Device() == device)
         GENICAM_THROW(InvalidArgumentException, "The device \"%s\" is attached already.",
                       device->GetDeviceInfo().GetFullName().c_str());
     std::shared_ptr<INivexDevice> taken;
@@ -170,7 +169,7 @@ void CInstantCamera::Impl::Open()
 {
     const Lock lock(lock_);
     RequireNotClosing();
-    const auto device = Device();
+    INivexDevice* const device = Device();
     if (!device) GENICAM_THROW(LogicalErrorException, "There is no device attached that could be opened.");
     if (IsOpen()) return;
     Announce(&CConfigurationEventHandler::OnOpen);
@@ -188,15 +187,14 @@ void CInstantCamera::Impl::Open()
 
 void CInstantCamera::Impl::Connect(INivexDevice& device)
 {
-    Link opened{.device = Device(),
-                .maps = {device.GetNodeMap(), device.GetTLNodeMap(), device.GetStreamGrabberNodeMap()},
-                .isOpen = true};
-    for (GenApi::NodeMapPtr& map : opened.maps)
+    std::array maps = {device.GetNodeMap(), device.GetTLNodeMap(), device.GetStreamGrabberNodeMap()};
+    for (GenApi::NodeMapPtr& map : maps)
         if (!map) map = GenApi::CNodeMapFactory::CreateEmptyNodeMap();
-    events_.Open(opened.maps[static_cast<std::size_t>(Map::Camera)]);
+    events_.Open(maps[static_cast<std::size_t>(Map::Camera)]);
     chunkMaps_->Open(device);
     const std::lock_guard state(state_);
-    link_ = std::move(opened);
+    link_.maps = std::move(maps);
+    link_.isOpen = true;
 }
 
 void CInstantCamera::Impl::Close(bool forced)
@@ -209,7 +207,7 @@ void CInstantCamera::Impl::Close(bool forced)
         AnnounceBefore(&CConfigurationEventHandler::OnClose, forced, failures);
         StopLocked(forced, failures);
         closing_ = true;
-        const auto device = Device();
+        INivexDevice* const device = Device();
         lock.unlock();
         queue_->WaitForDeliveries();
         chunkMaps_->Close();
@@ -250,7 +248,7 @@ void CInstantCamera::Impl::StartOpen(std::size_t maxImages, EGrabStrategy strate
     const Lock lock(lock_);
     RequireNotClosing();
     if (queue_->IsActive()) GENICAM_THROW(LogicalErrorException, "The camera is grabbing already.");
-    const auto device = Device();
+    INivexDevice* const device = Device();
     if (!IsOpen()) GENICAM_THROW(LogicalErrorException, "The camera is not open.");
     Failures failures;
     StopLocked(true, failures);
@@ -341,8 +339,8 @@ void CInstantCamera::Impl::Stop()
 
 void CInstantCamera::Impl::RunGrabLoop()
 {
-    while (const auto delivery = queue_->TakeForLoop())
-        Deliver(*delivery);
+    while (auto delivery = queue_->TakeForLoop())
+        Deliver(std::move(*delivery));
 }
 
 bool CInstantCamera::Impl::Retrieve(std::chrono::milliseconds timeout, CGrabResultPtr& result,
@@ -361,11 +359,11 @@ bool CInstantCamera::Impl::Retrieve(std::chrono::milliseconds timeout, CGrabResu
             break;
     }
     result = delivery.result;
-    Deliver(delivery);
+    Deliver(std::move(delivery));
     return true;
 }
 
-void CInstantCamera::Impl::Deliver(const Delivery& delivery)
+void CInstantCamera::Impl::Deliver(Delivery delivery)
 {
     const auto guarded = [this](const auto& call) {
         try {
@@ -380,8 +378,9 @@ void CInstantCamera::Impl::Deliver(const Delivery& delivery)
         if (skipped > 0) guarded([&] { handler.OnImagesSkipped(camera_, skipped); });
         guarded([&] { handler.OnImageGrabbed(camera_, delivery.result); });
     });
-    queue_->EndDelivery();
+    delivery.result.Release();
     if (delivery.isLast) EndGrabbing(delivery.grabbing);
+    queue_->EndDelivery();
 }
 
 void CInstantCamera::Impl::EndGrabbing(std::uint64_t grabbing)

@@ -101,7 +101,8 @@ private:
     void Report(const std::string& message) noexcept;
     void Report(const Failures& failures) noexcept;
 
-    std::shared_ptr<INivexDevice> Device() const;
+    /// Null if none is attached. Good while lock_ is held or closing_ is set.
+    INivexDevice* Device() const;
     void RequireNotClosing() const;
     void Connect(INivexDevice& device);
     void StartOpen(std::size_t maxImages, EGrabStrategy strategy, EGrabLoop loop);
@@ -112,7 +113,7 @@ private:
     void TellCamera(const char* command, Failures& failures);
     void LockTransportLayer(bool locked);
     void RunGrabLoop();
-    void Deliver(const Delivery& delivery);
+    void Deliver(Delivery delivery);
     void EndGrabbing(std::uint64_t grabbing);
 
     CInstantCamera& camera_;
