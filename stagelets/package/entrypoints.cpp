@@ -1,6 +1,5 @@
 // The package's face towards a host; see core/packageentrypoints.h. Nothing here but forwarding.
-#include "gcbase/exception.h"
-
+#include "camera/camera.h"
 #include "core/packageentrypoints.h"
 #include "datawriter/DataWriter.h"
 #include "imageformatconverter/imageformatconverter.h"
@@ -35,10 +34,9 @@ GENICAM_API void destroy_Info(char** holder)
     Package::freeInfo(holder);
 }
 
-GENICAM_API Core::NodeBase* create_Camera(const Pool& /*pool*/)
+GENICAM_API Core::NodeBase* create_Camera(const Pool& pool)
 {
-    GENICAM_THROW(RuntimeException,
-                  "This version of the package describes the module Camera but does not hold its node yet.");
+    return new Stagelets::Camera(pool);
 }
 
 GENICAM_API void destroy_Camera(Core::NodeBase* node)

@@ -1,0 +1,130 @@
+// How Camera gets its camera and gives it up.
+#include "camera/camera_private.h"
+
+namespace Plugin::NivexStageletPackageBase {
+
+namespace Core = Nivex::DataProcessing::Core;
+namespace Utils = Nivex::DataProcessing::Utils;
+using namespace CameraDetail;
+using GenICam::gcstring;
+
+namespace {
+
+/// What is logged for an exception that one step of the allocation caught.
+struct CatchSite
+{
+    const char* known;
+    const char* unknown;  ///< Also the text of the error then.
+};
+
+constexpr CatchSite openingCamera{"Camera %p: Exception caught while allocating camera resource.. Message: %s",
+                                  "Unknown exception caught while allocating camera resource."};
+constexpr CatchSite furtherAllocation{
+    "Camera %p: Exception caught while allocating additional resources.. Message: %s",
+    "Unknown exception caught while allocating additional resources."};
+
+// The formats are those of the table above.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+
+void logKnown(const CatchSite& site, const void* node, const char* message)
+{
+    Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(), site.known, node, message);
+}
+
+#pragma GCC diagnostic pop
+
+/// Runs one step of the allocation. What it throws is logged and passes on; what is of no known kind becomes a
+/// RuntimeException.
+template <typename Step>
+void guarded(const CatchSite& site, const void* node, const Step& step)
+{
+    try {
+        step();
+    } catch (const GenICam::GenericException& e) {
+        logKnown(site, node, e.GetDescription());
+        throw;
+    } catch (const std::exception& e) {
+        logKnown(site, node, e.what());
+        throw;
+    } catch (...) {
+        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(), "Camera %p: %s.", node, site.unknown);
+        GENICAM_THROW(RuntimeException, "%s", site.unknown);
+    }
+}
+
+}  // namespace
+
+void Camera::allocateAdditionalResources(const std::shared_ptr<Core::IResourcePool>& pool, bool mayRefresh)
+{
+    // The camera of before may still be on its way out.
+    waitForRemoval();
+    std::shared_ptr<Core::DeviceError> oldError;
+    {
+        const Guard guard(*getLock());
+        if (impl_->isCameraHeld()) return;
+        oldError = std::exchange(impl_->deviceError, nullptr);
+    }
+    if (oldError) resetError(oldError);
+    try {
+        edit([&](Notices& notices) {
+            std::unique_ptr<Nivex::INivexDevice> device = impl_->assignment.reserve(*impl_->pool, mayRefresh);
+            guarded(openingCamera, this, [&] { holdCamera(std::move(device), notices); });
+        });
+        guarded(furtherAllocation, this, [&] { AdvancedNode::allocateAdditionalResources(pool, mayRefresh); });
+    } catch (...) {
+        edit([&](Notices& notices) {
+            impl_->dropCameraMaps(notices);
+            impl_->showNoSelectedDevice(noDeviceListed, true, notices);
+        });
+        closeCamera();
+        throw;
+    }
+}
+
+void Camera::holdCamera(std::unique_ptr<Nivex::INivexDevice> device, Notices& notices)
+{
+    Impl& own = *impl_;
+    own.camera.Attach(device.release(), Nivex::ECleanup::Delete);
+    own.camera.Open();
+    const Nivex::CDeviceInfo info = own.camera.GetDeviceInfo();
+    Utils::createLogEntry(Utils::SeverityProgress, cameraChannel(), "Camera %p: Using camera \"%s\"",
+                          static_cast<const void*>(this), info.GetFullName().c_str());
+    own.nodeMaps.push_back({{"Device Transport Layer", transportLayerMap}, own.camera.GetTLNodeMap()});
+    own.nodeMaps.push_back({{"Camera", cameraDeviceMap}, own.camera.GetNodeMap()});
+    own.nodeMaps.push_back({{"Stream Parameters", streamGrabberMap}, own.camera.GetStreamGrabberNodeMap()});
+    notices.nodeMapsChanged = true;
+    own.showSelectedDevice(info, notices);
+    transferCfgSetActiveContentToCamera();
+}
+
+void Camera::OnOpened(Nivex::CInstantCamera& camera)
+{
+    // Only the allocation opens, so this thread holds the node's lock.
+    try {
+        impl_->eventRegistrations.registerAll(camera, impl_->pins.getUsedEventLines(), impl_->eventOutput);
+    } catch (...) {
+        Utils::createLogEntry(Utils::SeverityRefused, cameraChannel(),
+                              "Camera: Unexpected error in Camera::OnOpened()");
+    }
+}
+
+Nivex::CDeviceInfo Camera::getCameraDeviceData() const
+{
+    return impl_->camera.GetDeviceInfo();
+}
+
+void Camera::freeAdditionalResources(bool final)
+{
+    waitForRemoval();
+    edit([&](Notices& notices) {
+        impl_->dropCameraMaps(notices);
+        impl_->showNoSelectedDevice(noDeviceListed, true, notices);
+    });
+    closeCamera();
+    // A removal that was noticed between the two is of the camera just given up.
+    waitForRemoval();
+    AdvancedNode::freeAdditionalResources(final);
+}
+
+}  // namespace Plugin::NivexStageletPackageBase

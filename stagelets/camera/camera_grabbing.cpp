@@ -1,0 +1,214 @@
+// Start, stop, and the way of images and events from the camera to the pins.
+#include <optional>
+
+#include "base/parameters.h"
+
+#include "camera/camera_private.h"
+#include "camera/chunkpins.h"
+#include "core/boolean.h"
+#include "core/string.h"
+
+namespace Plugin::NivexStageletPackageBase {
+
+namespace Core = Nivex::DataProcessing::Core;
+namespace Utils = Nivex::DataProcessing::Utils;
+using namespace CameraDetail;
+using GenICam::gcstring;
+
+namespace {
+
+constexpr const char* modeParameter = "AcquisitionMode";
+
+std::optional<AcquisitionMode> modeOfName(const Utils::Variant& argument)
+{
+    const auto* text = argument.isValid() ? argument.tryGet<Core::String>() : nullptr;
+    if (!text || text->hasError()) return std::nullopt;
+    if (text->get() == "SingleFrame") return AcquisitionMode::SingleFrame;
+    if (text->get() == "Continuous") return AcquisitionMode::Continuous;
+    return std::nullopt;
+}
+
+}  // namespace
+
+void Camera::onStarting(const Core::NodeArgumentCollection& arguments)
+{
+    if (arguments.hasArgument(modeParameter)) {
+        if (const auto mode = modeOfName(arguments.getArgumentValue(modeParameter))) {
+            setAcquisitionMode(*mode);
+        } else {
+            Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                                  "Camera %p: Argument \"AcquisitionMode\" is not of type \"String\" or "
+                                  "invalid and is therefore ignored.",
+                                  static_cast<const void*>(this));
+        }
+    }
+    edit([&](Notices& notices) {
+        Impl& own = *impl_;
+        if (!own.isCameraHeld()) {
+            const gcstring text = own.deviceError ? own.deviceError->getDescription() : "No camera is allocated.";
+            CAMERA_REFUSE(RuntimeException, this, "onStarting", text.c_str());
+        }
+        own.setStoppedOnlyAvailable(false, notices);
+        own.frameGaps.restart(1);
+        own.discardedBefore = own.camera.GetNumberOfDiscardedResults();
+        own.eventGate.open();
+        try {
+            startGrabbing();
+        } catch (...) {
+            own.eventGate.close();
+            own.setStoppedOnlyAvailable(true, notices);
+            throw;
+        }
+    });
+}
+
+void Camera::startGrabbing()
+{
+    Nivex::CInstantCamera& camera = impl_->camera;
+    Nivex::CEnumParameter cameraMode(camera.GetNodeMap(), modeParameter);
+    switch (impl_->acquisitionMode) {
+        case AcquisitionMode::SingleFrame:
+            cameraMode.TrySetValue("SingleFrame");
+            camera.StartGrabbing(1, Nivex::EGrabStrategy::OneByOne, Nivex::EGrabLoop::ProvidedByInstantCamera);
+            return;
+        case AcquisitionMode::Continuous:
+            cameraMode.TrySetValue("Continuous");
+            camera.StartGrabbing(Nivex::EGrabStrategy::OneByOne, Nivex::EGrabLoop::ProvidedByInstantCamera);
+            return;
+    }
+    Utils::createLogEntry(Utils::SeverityRefused, cameraChannel(),
+                          "Camera %p: Couldn't determine acquisition mode.", static_cast<const void*>(this));
+    GENICAM_THROW(RuntimeException, "Couldn't determine acquisition mode.");
+}
+
+void Camera::onStopping()
+{
+    Impl& own = *impl_;
+    std::exception_ptr failure;
+    edit([&](Notices& notices) {
+        own.eventGate.close();
+        try {
+            own.camera.StopGrabbing();
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        own.setStoppedOnlyAvailable(true, notices);
+    });
+    // Handlers take the node's lock.
+    own.camera.WaitForGrabLoop();
+    own.eventGate.wait();
+    countDiscardedResults();
+    if (failure) std::rethrow_exception(failure);
+}
+
+void Camera::countDiscardedResults()
+{
+    const std::uint64_t discarded = impl_->camera.GetNumberOfDiscardedResults();
+    for (std::uint64_t i = impl_->discardedBefore; i < discarded; ++i) {
+        if (!countLost(Core::LossCause::NoSpace)) break;
+    }
+}
+
+std::shared_ptr<Core::IGraphUpdate> Camera::createUpdate()
+{
+    return getUpdateFactory()->createUpdate(*this, nullptr, false);
+}
+
+bool Camera::countLost(Core::LossCause cause) noexcept
+{
+    try {
+        const auto update = createUpdate();
+        if (update) reportLoss(cause, update.get());
+        return update != nullptr;
+    } catch (...) {
+        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                              "Camera %p: A loss could not be counted. Message: %s",
+                              static_cast<const void*>(this), GenICam::describeCurrentException().c_str());
+        return false;
+    }
+}
+
+void Camera::OnImageGrabbed(Nivex::CInstantCamera& /*camera*/, const Nivex::CGrabResultPtr& result)
+{
+    std::shared_ptr<Core::IGraphUpdate> update;
+    try {
+        putOutResult(result, update);
+        return;
+    } catch (const GenICam::GenericException& e) {
+        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                              "Camera %p: Exception caught while grabbing an image. Message: %s",
+                              static_cast<const void*>(this), e.GetDescription());
+    } catch (const std::exception& e) {
+        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                              "Camera %p: Exception caught while grabbing an image. Message: %s",
+                              static_cast<const void*>(this), e.what());
+    } catch (...) {
+        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                              "Camera %p: Unknown exception caught while grabbing an image.",
+                              static_cast<const void*>(this));
+    }
+    // An update in hand is counted as it goes.
+    if (!update) countLost(Core::LossCause::SourceFailed);
+}
+
+void Camera::putOutResult(const Nivex::CGrabResultPtr& result, std::shared_ptr<Core::IGraphUpdate>& update)
+{
+    Impl& own = *impl_;
+    Core::PinValues outputs;
+    GrabbedImage image;
+    FixCorruptImages fix = FixCorruptImages::Off;
+    {
+        const Guard guard(*getLock());
+        fix = own.fixCorruptImages;
+        image = own.imageBuilder.build(result, fix);
+    }
+    if (result.IsValid() && result->IsChunkDataAvailable()) {
+        const Guard guard(*getLock());
+        readChunkPins(own.pins.getChunkPins(), *result, outputs, this);
+    }
+    const std::uint64_t missed = own.frameGaps.count(result.IsValid() ? result->GetBlockID() : 0);
+    update = createUpdate();
+    if (!update) return;
+    if (missed > 0) reportMissed(Core::LossCause::FramesMissed, missed);
+    if (image.isLost()) reportLoss(Core::LossCause::GrabFailed, update.get());
+    outputs.emplace(imagePin, Utils::Variant(std::move(image.image)));
+    if (fix == FixCorruptImages::On) {
+        outputs.emplace(imageCorruptPin, Utils::Variant(Core::Boolean(image.corrupt)));
+    }
+    if (waitUntilSpaceAvailable()) createJob(update, std::move(outputs));
+}
+
+void Camera::EventOutput::outputEventValue(const gcstring& pinName, Utils::Variant value)
+{
+    node_.putOutEventValue(pinName, std::move(value));
+}
+
+void Camera::EventOutput::onEventValueLost(const gcstring& /*pinName*/) noexcept
+{
+    const CallGate::Pass pass(node_.impl_->eventGate);
+    if (pass) node_.countLost(Core::LossCause::SourceFailed);
+}
+
+void Camera::putOutEventValue(const gcstring& pinName, Utils::Variant value)
+{
+    const CallGate::Pass pass(impl_->eventGate);
+    if (!pass) return;
+    std::shared_ptr<Core::IGraphUpdate> update;
+    {
+        const Guard guard(*getLock());
+        update = createUpdate();
+    }
+    if (!update) return;
+    try {
+        Core::PinValues outputs;
+        outputs.emplace(pinName, std::move(value));
+        if (waitUntilSpaceAvailable()) createJob(update, std::move(outputs));
+    } catch (...) {
+        // The update is counted as it goes, so the caller must not hear of it.
+        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                              "Camera %p: Exception caught while putting out an event. Message: %s",
+                              static_cast<const void*>(this), GenICam::describeCurrentException().c_str());
+    }
+}
+
+}  // namespace Plugin::NivexStageletPackageBase
