@@ -97,6 +97,7 @@ void TextTokenTable::addToken(const char* text, std::int32_t id)
     if (!text) throw std::invalid_argument("Failed to add token. The token string is null.");
     if (!*text) throw std::invalid_argument("Failed to add token. The token string is empty.");
     if (id == none) throw std::invalid_argument("Failed to add token. Its token id is invalid.");
+    beginsToken_[static_cast<unsigned char>(*text)] = true;
     std::vector<Node>* level = &root_;
     std::int32_t* place = nullptr;
     for (; *text; ++text) {
@@ -125,6 +126,7 @@ TextTokenTable::Match TextTokenTable::matchAt(const char* begin) const
 TextTokenTable::Match TextTokenTable::find(const char* text) const
 {
     for (; *text; ++text) {
+        if (!beginsToken_[static_cast<unsigned char>(*text)]) continue;
         if (const Match match = matchAt(text)) return match;
     }
     return {};
