@@ -4,6 +4,7 @@
 #include <array>
 #include <random>
 
+#include "../videojudge.h"
 #include "stagelettest.h"
 
 namespace SystemTest {
@@ -180,6 +181,64 @@ TEST_F(FaultsTest, ADiskThatFillsUp)
     expectWritten(ended, files.size(), "file_not_written", 40 - files.size());
     expectLoggedOnce(ended, "No space left on device");
     expectWholePictures(out());
+}
+
+// Files that grow show a full disk late: text when the stream hands over what it buffers, videos at the end of a
+// fragment. What they hold by then stays readable, and no update is unaccounted for.
+TEST_F(FaultsTest, ADiskThatFillsUpWhileTextIsWritten)
+{
+    const SmallDisk disk(out(), "size=64k");
+    if (!disk.isMounted())
+        GTEST_SKIP() << "This user may not mount a disk; FileSizeLimit stands for it elsewhere.";
+    saveNumbered(10, 8);
+    const std::string padding(300, '.');
+    const RunEnded ended =
+        run(loadAndWrite({{"numberOfRuns", 40}},
+                         {"MediaType = TXT", "FileScope = Session", "FileName = all.txt",
+                          "TextFormatSelector = TextFormat_Data", "TextFormat = {RecordIndex}" + padding}),
+            {"--updates=400"});
+    EXPECT_EQ(ended.code, 7) << ended.err;
+    EXPECT_EQ(ended.files(), 0U);
+    EXPECT_EQ(ended.finished() + ended.lost("file_not_written"), 400U);
+    expectLoggedOnce(ended, "No space left on device");
+    std::string expected;
+    for (int i = 1; i <= 400; ++i)
+        expected += std::to_string(i) + padding + "\n";
+    const std::string written = readFile(out() / "S/all.txt");
+    EXPECT_GT(written.size(), 40000U);
+    EXPECT_EQ(written, expected.substr(0, written.size()));
+    constexpr std::size_t buffered = 8192;
+    EXPECT_LE(ended.finished() * (padding.size() + 2), written.size() + buffered);
+}
+
+TEST_F(FaultsTest, ADiskThatFillsUpWhileAVideoIsWritten)
+{
+    const SmallDisk disk(out(), "size=300k");
+    if (!disk.isMounted()) GTEST_SKIP() << "This user may not mount a disk; RLIMIT_FSIZE stands for it elsewhere.";
+    std::mt19937 random(1);
+    for (int picture = 0; picture < 10; ++picture) {
+        CNivexImage noise = solidImage(EPixelType::Mono8, 64, 64, 0);
+        for (std::size_t i = 0; i < noise.GetImageSize(); ++i)
+            static_cast<unsigned char*>(noise.GetBuffer())[i] = static_cast<unsigned char>(random());
+        CImagePersistence::Save(EImageFileFormat::Bmp, (images() / (std::to_string(picture) + ".bmp")).string(),
+                                noise);
+    }
+    const RunEnded ended =
+        run(loadAndWrite({{"numberOfRuns", 40}}, {"MediaType = MP4", "FileScope = Session", "PlayBackSpeed = 25"}),
+            {"--updates=400"});
+    EXPECT_EQ(ended.code, 7) << ended.err;
+    EXPECT_EQ(ended.files(), 0U);
+    // What shows at the very end belongs to no update: the file, and pictures of its last fragment.
+    EXPECT_GT(ended.offered(), 400U);
+    EXPECT_LE(ended.offered(), 401U + 14U);
+    EXPECT_THAT(ended.err, HasSubstr("No space left on device"));
+    EXPECT_EQ(listFiles(out()), std::vector<std::string>{"S/Video1.mp4"});
+    // The node's account goes on where updates have ended.
+    const int lost = ended.node("Writer").at("lost").at("file_not_written").get<int>() - 1;
+    const int frames = VideoJudge::countFrames(out() / "S/Video1.mp4");
+    EXPECT_GE(frames, 12);
+    EXPECT_GE(frames, 400 - lost);
+    EXPECT_LT(frames, 400 - lost + 12) << "part of a fragment more";
 }
 
 TEST_F(FaultsTest, AnOutputFolderThatGoesAway)
