@@ -192,7 +192,7 @@ void Camera::ReadRegister(EMap map, void* buffer, std::int64_t address, std::int
         WaitAsSlowDevice(lock);
         bank.Add("RegisterReadCount"_reg, 1);
     }
-    if (session_) {
+    if (map == EMap::Stream && session_) {
         bank.SetInteger("StreamInputBufferCount"_reg, static_cast<std::int64_t>(session_->buffers.size()));
         bank.SetInteger("StreamPayloadSize"_reg, static_cast<std::int64_t>(PayloadSizeLocked()));
     }

@@ -281,11 +281,13 @@ void Device::TakeFrame(Lock& lock, IStreamSink& sink)
     if (!isLost && !settings_.frameRate)
         camera_.changed.wait(lock, [this] { return !session_.buffers.empty() || !IsAcquiringLocked(); });
     if (!IsStreamUpLocked()) return;
+    // Who gets the last frame may start the next acquisition at once.
+    if (session_.toGo && --*session_.toGo == 0) camera_.StopAcquisitionLocked();
     if (isLost || session_.buffers.empty())
         camera_.bank.Add("StreamLostFrameCount"_reg, 1);
     else
         Deliver(lock, sink, facts);
-    FinishFrameLocked();
+    UnplugOnDemandLocked();
 }
 
 bool Device::IsLostOnDemand(std::uint64_t number) const
@@ -301,17 +303,18 @@ void Device::Deliver(Lock& lock, IStreamSink& sink, const FrameFacts& facts)
     session_.delivering = true;
     lock.unlock();
     const SFrame frame = maker_.Make(buffer, facts);
+    lock.lock();
+    camera_.bank.Add("StreamDeliveredFrameCount"_reg, 1);
+    if (!frame.isComplete) camera_.bank.Add("StreamFailedFrameCount"_reg, 1);
+    lock.unlock();
     sink.OnFrame(frame);
     lock.lock();
     session_.delivering = false;
-    camera_.bank.Add("StreamDeliveredFrameCount"_reg, 1);
-    if (!frame.isComplete) camera_.bank.Add("StreamFailedFrameCount"_reg, 1);
     if (session_.removed) camera_.noticed.notify_all();
 }
 
-void Device::FinishFrameLocked()
+void Device::UnplugOnDemandLocked()
 {
-    if (session_.toGo && --*session_.toGo == 0) camera_.StopAcquisitionLocked();
     const auto unplugAfter = static_cast<std::uint64_t>(camera_.bank.Integer("UnplugAfterFrames"_reg));
     if (unplugAfter == 0 || session_.frames < unplugAfter) return;
     camera_.bank.SetInteger("UnplugAfterFrames"_reg, 0);

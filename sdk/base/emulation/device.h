@@ -76,7 +76,7 @@ private:
     void TakeFrame(Lock& lock, IStreamSink& sink);
     bool IsLostOnDemand(std::uint64_t number) const;
     void Deliver(Lock& lock, IStreamSink& sink, const FrameFacts& facts);
-    void FinishFrameLocked();
+    void UnplugOnDemandLocked();
 
     const std::unique_ptr<Reservation> reservation_;
     Camera& camera_;

@@ -69,7 +69,8 @@ Colour colouredParts(std::uint32_t x, std::uint32_t row)
     constexpr Colour palette[] = {{60000, 14000, 12000}, {12000, 48000, 18000}, {14000, 24000, 60000},
                                   {62000, 52000, 10000}, {9000, 9000, 9000},    {58000, 58000, 58000}};
     const std::uint32_t look = lookOfCell(x, row);
-    const std::uint32_t texture = 20000 + x % 512 * 16 + scatter(x, row) % 1536;
+    const std::uint32_t shade = std::min(x % 1024, 1023 - x % 1024);  // brighter and darker again
+    const std::uint32_t texture = 20000 + shade * 16 + scatter(x, row) % 1536;
     const Colour belt = {static_cast<std::uint16_t>(texture), static_cast<std::uint16_t>(texture),
                          static_cast<std::uint16_t>(texture + 3000)};
     return blend(belt, palette[(look >> 24) % std::size(palette)], coverage(x, row, look, true));
