@@ -141,24 +141,31 @@ void CInstantCamera::Impl::Attach(INivexDevice* device, ECleanup cleanup)
 void CInstantCamera::Impl::DetachDevice(bool forced)
 {
     Failures failures;
+    const INivexDevice* present = nullptr;
     {
         const Lock lock(lock_);
-        if (!IsAttached()) return;
+        present = Device();
+        if (!present) return;
         AnnounceBefore(&CConfigurationEventHandler::OnDetach, forced, failures);
     }
     failures.Collect([&] { Close(forced); });
-    if (!forced && IsOpen()) failures.Raise();
-    std::shared_ptr<INivexDevice> device;
+    std::shared_ptr<INivexDevice> detached;
     {
-        const Lock lock(lock_);
+        Lock lock(lock_);
+        closed_.wait(lock, [this] { return !closing_; });
+        if (Device() != present) return;  // another thread has detached it
+        if (IsOpen()) {
+            failures.Raise();
+            GENICAM_THROW(LogicalErrorException, "Another thread opens the camera while it is to be detached.");
+        }
         {
             const std::lock_guard state(state_);
-            device = std::exchange(link_, {}).device;
+            detached = std::exchange(link_, {}).device;
         }
         removed_ = false;
         AnnounceAll(&CConfigurationEventHandler::OnDetached, failures);
     }
-    device.reset();
+    detached.reset();
     if (forced)
         Report(failures);
     else
@@ -291,6 +298,8 @@ void CInstantCamera::Impl::StartStream(INivexDevice& device, const GrabPlan& pla
     LockTransportLayer(true);
     device.StartStream(*queue_);
     queue_->Begin(device);
+    // A removal before Begin has ended nothing.
+    if (removed_) GENICAM_THROW(RuntimeException, "The camera was removed.");
     if (!parameters_.AcquisitionStartStopExecutionEnable()) return;
     tellsCamera_ = true;
     CCommandParameter start(NodeMap(Map::Camera), "AcquisitionStart");

@@ -316,6 +316,14 @@ TEST(Camera, EachResultShowsItsOwnChunks)
     world.camera.StartGrabbing();
     EXPECT_EQ(ChunkWorld::Number(world.Grab(40)->GetChunkDataNodeMap()), 40);
     EXPECT_EQ(world.state->chunkMapsMade, 3);
+    // A camera that says it will send chunks has the maps before the first frame, once.
+    world.camera.Close();
+    world.state->description = FakeDescription("<Boolean Name=\"ChunkModeActive\"><Value>true</Value></Boolean>");
+    for (int i = 0; i < 2; ++i) {
+        world.camera.StartGrabbing();
+        world.camera.StopGrabbing();
+        EXPECT_EQ(world.state->chunkMapsMade, 5);
+    }
 }
 
 TEST(Camera, SaysWhyThereAreNoChunks)
@@ -459,7 +467,7 @@ TEST(Camera, HandlersComeAndGo)
 TEST(Camera, ARemovalEndsTheGrabbing)
 {
     for (const std::string moment :
-         {"idle", "grabbing", "StartStream", "write 0", "write 4", "StopStream", "write 16"})
+         {"idle", "grabbing", "StartStream", "StreamStarted", "write 0", "write 4", "StopStream", "write 16"})
     {
         SCOPED_TRACE(moment);
         World world;
@@ -478,6 +486,7 @@ TEST(Camera, ARemovalEndsTheGrabbing)
                 if (step == moment && !world.device->IsRemoved()) world.device->Remove();
             };
         if (moment == "idle") world.device->Remove();
+        if (moment == "StreamStarted") world.Set("AcquisitionStartStopExecutionEnable", 0);
         try {
             world.camera.StartGrabbing();
             world.device->PushFrame();
@@ -486,6 +495,7 @@ TEST(Camera, ARemovalEndsTheGrabbing)
             EXPECT_TRUE(world.device->IsRemoved());
         }
         if (moment == "grabbing") world.device->Remove();
+        EXPECT_EQ(world.camera.IsGrabbing(), !world.device->IsRemoved());
         EXPECT_NO_THROW(world.camera.StopGrabbing());
         world.state->before = [](const std::string&) {};
         world.device->Remove();  // a second time, which is not told

@@ -217,10 +217,13 @@ public:
     {
         state_->Note("StartStream");
         if (IsRemoved()) GENICAM_THROW(RuntimeException, "The fake camera was removed.");
-        const std::lock_guard frames(frames_);
-        const std::lock_guard lock(state_->mutex);
-        sink_ = &sink;
-        state_->isStreaming = true;
+        {
+            const std::lock_guard frames(frames_);
+            const std::lock_guard lock(state_->mutex);
+            sink_ = &sink;
+            state_->isStreaming = true;
+        }
+        state_->before("StreamStarted");
     }
     void StopStream() noexcept override
     {
