@@ -31,11 +31,11 @@ bool CFloatNode::TakeElement(ElementReader& element)
 {
     if (value_.TakeElement(element)) return true;
     if (element.Is("pMin"))
-        min_.Refer(element.Number(Link::Parameter));
+        min_.Refer(element.Number(Link::Limit));
     else if (element.Is("pMax"))
-        max_.Refer(element.Number(Link::Parameter));
+        max_.Refer(element.Number(Link::Limit));
     else if (element.Is("pInc"))
-        inc_.Refer(element.Number(Link::Parameter));
+        inc_.Refer(element.Number(Link::Limit));
     else if (element.Is("Min"))
         min_.Set(element.Float());
     else if (element.Is("Max"))

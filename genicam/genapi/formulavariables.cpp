@@ -35,35 +35,35 @@ FormulaNumber NaturalValue(INumber& number, FormulaKind kind, bool ignoreCache)
 
 FormulaVariable::FormulaVariable(const ElementReader& element, std::string_view suffix)
 {
-    static constexpr Word<Aspect> aspects[] = {{"", Aspect::Value},
-                                               {"Value", Aspect::Value},
-                                               {"Min", Aspect::Min},
-                                               {"Max", Aspect::Max},
-                                               {"Inc", Aspect::Inc},
-                                               {"AccessMode", Aspect::AccessMode},
-                                               {"Visibility", Aspect::Visibility},
-                                               {"CachingMode", Aspect::CachingMode}};
+    static constexpr Word<Meaning> meanings[] = {{"", Meaning::Value},
+                                                 {"Value", Meaning::Value},
+                                                 {"Min", Meaning::Min},
+                                                 {"Max", Meaning::Max},
+                                                 {"Inc", Meaning::Inc},
+                                                 {"AccessMode", Meaning::AccessMode},
+                                                 {"Visibility", Meaning::Visibility},
+                                                 {"CachingMode", Meaning::CachingMode}};
     static constexpr std::string_view entryPrefix = "Entry.";
     if (suffix.substr(0, entryPrefix.size()) == entryPrefix) {
         CEnumerationNode& enumeration = element.Enumeration(Link::Hint);
         const gcstring symbolic(suffix.substr(entryPrefix.size()));
-        aspect_ = Aspect::Entry;
+        meaning_ = Meaning::Entry;
         node_ = &enumeration;
         entry_ = dynamic_cast<CEnumEntryNode*>(enumeration.GetEntryByName(symbolic));
         if (!entry_) element.Refuse("the enumeration has no entry \"" + symbolic.str() + "\"");
         return;
     }
-    const auto* word = std::find_if(std::begin(aspects), std::end(aspects),
-                                    [&](const Word<Aspect>& each) { return each.text == suffix; });
-    if (word == std::end(aspects))
+    const auto* word = std::find_if(std::begin(meanings), std::end(meanings),
+                                    [&](const Word<Meaning>& each) { return each.text == suffix; });
+    if (word == std::end(meanings))
         element.Refuse("the variable's name ends in \"." + std::string(suffix) + "\", which means nothing");
-    aspect_ = word->value;
-    if (aspect_ == Aspect::Visibility || aspect_ == Aspect::CachingMode) {
+    meaning_ = word->value;
+    if (meaning_ == Meaning::Visibility || meaning_ == Meaning::CachingMode) {
         node_ = &element.Node(Link::Hint);
-    } else if (aspect_ == Aspect::AccessMode) {
-        node_ = &element.Node(Link::Parameter);
+    } else if (meaning_ == Meaning::AccessMode) {
+        node_ = &element.Node(Link::VariableMode);
     } else {
-        number_ = element.Number(aspect_ == Aspect::Value ? Link::Value : Link::Parameter);
+        number_ = element.Number(meaning_ == Meaning::Value ? Link::Variable : Link::VariableLimit);
         node_ = &number_.Node();
     }
 }
@@ -71,27 +71,27 @@ FormulaVariable::FormulaVariable(const ElementReader& element, std::string_view 
 FormulaNumber FormulaVariable::Read(FormulaKind kind, bool ignoreCache) const
 {
     using Number = FormulaNumber;
-    switch (aspect_) {
-        case Aspect::Value:
+    switch (meaning_) {
+        case Meaning::Value:
             return NaturalValue(*number_.operator->(), kind, ignoreCache);
-        case Aspect::Min:
+        case Meaning::Min:
             return Limit([](INumber& n) -> Number { return n.MinInteger(); },
                          [](INumber& n) -> Number { return n.MinFloat(); }, kind);
-        case Aspect::Max:
+        case Meaning::Max:
             return Limit([](INumber& n) -> Number { return n.MaxInteger(); },
                          [](INumber& n) -> Number { return n.MaxFloat(); }, kind);
-        case Aspect::Inc:
+        case Meaning::Inc:
             if (!number_->IsIntegral() && !number_->IncFloat())
                 throw FormulaFault{"\"" + node_->Name().str() + "\" has no increment"};
             return Limit([](INumber& n) -> Number { return n.IncInteger(); },
                          [](INumber& n) -> Number { return n.IncFloat().value_or(0); }, kind);
-        case Aspect::AccessMode:
+        case Meaning::AccessMode:
             return static_cast<int64_t>(node_->Mode());
-        case Aspect::Visibility:
+        case Meaning::Visibility:
             return static_cast<int64_t>(node_->GetVisibility());
-        case Aspect::CachingMode:
+        case Meaning::CachingMode:
             return static_cast<int64_t>(node_->GetCachingMode());
-        case Aspect::Entry:
+        case Meaning::Entry:
             return entry_->Value();
     }
     return {};
@@ -109,7 +109,7 @@ bool FormulaVariable::IsReadable() const
     if (!number_) return true;
     // A node's limits have a meaning even while its value cannot be read.
     const EAccessMode mode = node_->Mode();
-    return aspect_ == Aspect::Value ? GenApi::IsReadable(mode) : IsAvailable(mode);
+    return meaning_ == Meaning::Value ? GenApi::IsReadable(mode) : IsAvailable(mode);
 }
 
 /// Finds names for one formula. Expressions are compiled when they are met, and kept for the next mention.

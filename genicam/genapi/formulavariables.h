@@ -32,7 +32,7 @@ public:
     const CNodeBase& Node() const { return *node_; }
 
 private:
-    enum class Aspect
+    enum class Meaning
     {
         Value,
         Min,
@@ -47,7 +47,7 @@ private:
     FormulaNumber Limit(FormulaNumber (*ofIntegers)(INumber&), FormulaNumber (*ofFloats)(INumber&),
                         FormulaKind kind) const;
 
-    Aspect aspect_ = Aspect::Value;
+    Meaning meaning_ = Meaning::Value;
     CNodeBase* node_ = nullptr;
     NumberRef number_;
     const CEnumEntryNode* entry_ = nullptr;

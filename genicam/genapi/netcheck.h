@@ -4,12 +4,13 @@
 #include <string>
 #include <vector>
 
+#include "genapi/nodebase.h"
+
 namespace GenApi {
 
-class CNodeBase;
-
-/// Walks the net of dependencies once, without recursion: finds nodes that depend on themselves and chains that
-/// are too long to be evaluated, and settles what each node inherits from the nodes below it (caching mode).
+/// Walks the net of dependencies once, without recursion: finds values, limits and access modes that depend on
+/// themselves and chains that are too long to be evaluated, and settles what each node inherits from the nodes
+/// below it (caching mode).
 class NetCheck
 {
 public:
@@ -30,12 +31,15 @@ private:
     struct Step
     {
         CNodeBase* node;
-        std::size_t nextChild;
+        Aspect aspect;
+        std::size_t nextDependency;
     };
 
-    Finding Descend(CNodeBase& node);
+    Finding Run();
+    Finding Advance(Step& step);
+    Finding Descend(CNodeBase& node, Aspect aspect);
     Finding Ascend();
-    std::string CycleText(const CNodeBase& node) const;
+    std::string CycleText(const CNodeBase& node, Aspect aspect) const;
 
     std::vector<Step> path_;
 };

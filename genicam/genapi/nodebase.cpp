@@ -156,11 +156,11 @@ bool CNodeBase::TakeElement(ElementReader& element)
 bool CNodeBase::TakeReference(ElementReader& element)
 {
     if (element.Is("pIsAvailable"))
-        available_.push_back(element.Number(Link::Parameter));
+        available_.push_back(element.Number(Link::Predicate));
     else if (element.Is("pIsLocked"))
-        locked_.push_back(element.Number(Link::Parameter));
+        locked_.push_back(element.Number(Link::Predicate));
     else if (element.Is("pIsImplemented"))
-        implemented_.push_back(element.Number(Link::Parameter));
+        implemented_.push_back(element.Number(Link::Predicate));
     else if (element.Is("pBlockPolling"))
         blockPolling_ = element.Number(Link::Parameter);
     else if (element.Is("pError"))

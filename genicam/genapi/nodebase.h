@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -35,6 +36,16 @@ struct NodeOrigin
     gcstring name;
     const NodeKind& kind;
 };
+
+/// The three things that can be asked of a node. They depend on different nodes: two widths may well be each
+/// other's limits, and still have values that can be read.
+enum class Aspect : uint8_t
+{
+    Value,
+    Limits,
+    Mode
+};
+constexpr std::size_t aspectCount = 3;
 
 /// Base of all nodes: the facts common to all kinds, the access mode, the callbacks and the node's place in the
 /// net of dependencies.
@@ -175,7 +186,16 @@ private:
     std::vector<CNodeBase*> selected_;
     std::vector<CNodeBase*> selecting_;
 
-    int chainLength_ = 0;  // 0 until NetCheck has been here
+    /// To compute this node's `of`, that node's `from` must be computed.
+    struct Dependency
+    {
+        CNodeBase* on;
+        Aspect of;
+        Aspect from;
+    };
+    // Good until NetCheck is through.
+    std::vector<Dependency> dependencies_;
+    std::array<int, aspectCount> chainLengths_{};  // of each aspect; 0 until NetCheck has been there
 
     // Marks of the invalidation under way, see CNodeMap::Invalidate.
     uint64_t reached_ = 0;

@@ -75,6 +75,43 @@ constexpr std::string_view structKind = "StructReg";
 constexpr Word<EAccessMode> accessModes[] = {{"RO", RO}, {"WO", WO}, {"RW", RW}, {"R", RO}, {"W", WO}};
 constexpr Word<bool> yesNo[] = {{"Yes", true}, {"No", false}, {"true", true}, {"false", false}};
 
+struct DependencyRow
+{
+    Link link;
+    Aspect of;
+    Aspect from;
+};
+
+// What computing one aspect of a node asks of the nodes it refers to. A value that is used as a parameter is
+// checked to be readable first, hence the access modes.
+constexpr DependencyRow dependencyRows[] = {
+    {Link::Value, Aspect::Value, Aspect::Value},
+    {Link::Value, Aspect::Limits, Aspect::Limits},
+    {Link::Value, Aspect::Mode, Aspect::Mode},
+    {Link::Copy, Aspect::Limits, Aspect::Limits},
+    {Link::Copy, Aspect::Mode, Aspect::Limits},
+    {Link::Copy, Aspect::Mode, Aspect::Mode},
+    {Link::Variable, Aspect::Value, Aspect::Value},
+    {Link::Variable, Aspect::Limits, Aspect::Value},
+    {Link::Variable, Aspect::Mode, Aspect::Mode},
+    {Link::VariableLimit, Aspect::Value, Aspect::Limits},
+    {Link::VariableLimit, Aspect::Limits, Aspect::Limits},
+    {Link::VariableLimit, Aspect::Mode, Aspect::Mode},
+    {Link::VariableMode, Aspect::Value, Aspect::Mode},
+    {Link::VariableMode, Aspect::Limits, Aspect::Mode},
+    {Link::Limit, Aspect::Limits, Aspect::Value},
+    {Link::Limit, Aspect::Limits, Aspect::Mode},
+    {Link::Predicate, Aspect::Mode, Aspect::Value},
+    {Link::Predicate, Aspect::Mode, Aspect::Mode},
+    {Link::Parameter, Aspect::Value, Aspect::Value},
+    {Link::Parameter, Aspect::Value, Aspect::Mode},
+    {Link::Parameter, Aspect::Limits, Aspect::Value},
+    {Link::Parameter, Aspect::Limits, Aspect::Mode},
+    {Link::Parameter, Aspect::Mode, Aspect::Value},
+    {Link::Parameter, Aspect::Mode, Aspect::Mode},
+    {Link::Feature, Aspect::Value, Aspect::Value},
+};
+
 bool isEmbedded(Element child)
 {
     const std::string_view kind = child.Name();
@@ -219,6 +256,7 @@ void NodeBuilder::Build()
         Refuse(*at->node, at->element, finding.cause);
     }
     for (const auto& node : map_.nodes_) {
+        node->dependencies_ = {};
         if (CPortNode* port = node->AsPort()) {
             port->SealRegisters();
             if (port->IsChunkPort()) map_.chunkPorts_.push_back(port);
@@ -237,10 +275,18 @@ CNodeBase* NodeBuilder::Find(std::string_view name) const
 
 void NodeBuilder::Connect(CNodeBase& user, CNodeBase& target, Link link) const
 {
+    for (const DependencyRow& row : dependencyRows)
+        if (row.link == link) user.dependencies_.push_back({&target, row.of, row.from});
     switch (link) {
         case Link::Value:
+        case Link::Variable:
             user.valueSources_.push_back(&target);
             [[fallthrough]];
+        case Link::Copy:
+        case Link::VariableLimit:
+        case Link::VariableMode:
+        case Link::Limit:
+        case Link::Predicate:
         case Link::Parameter:
             user.children_.push_back(&target);
             target.followers_.push_back(&user);

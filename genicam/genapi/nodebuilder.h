@@ -16,12 +16,18 @@ class CPortNode;
 /// What a reference from one node to another means.
 enum class Link
 {
-    Value,        ///< the user's value is the target's
-    Parameter,    ///< limits, address or access mode of the user come from the target
-    Invalidator,  ///< a change of the target drops the user's value
-    Selected,     ///< a change of the user drops the target's value
-    Feature,      ///< the target stands in the user, a category
-    Hint          ///< of no effect here
+    Value,          ///< the user's value is the target's, and so are its limits and its access mode
+    Copy,           ///< as before, but the value only goes there
+    Variable,       ///< the user computes its value and its limits from the target's value
+    VariableLimit,  ///< it computes them from the target's limits
+    VariableMode,   ///< it computes them from the target's access mode
+    Limit,          ///< the user's limits are the target's value
+    Predicate,      ///< the user's access mode comes from the target's value
+    Parameter,      ///< the target's value may count for all of the user, as its address does
+    Invalidator,    ///< a change of the target drops the user's value
+    Selected,       ///< a change of the user drops the target's value
+    Feature,        ///< the target stands in the user, a category
+    Hint            ///< of no effect here
 };
 
 /// A word of the description and what it stands for.

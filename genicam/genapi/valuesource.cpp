@@ -44,7 +44,7 @@ bool ValueSource<Number>::TakeElement(const ElementReader& element)
         single_.Refer(element.Number(Link::Value));
         written_.push_back(single_.Reference());
     } else if (element.Is("pValueCopy")) {
-        written_.push_back(element.Number(Link::Parameter));
+        written_.push_back(element.Number(Link::Copy));
         copies_ = true;
     } else if (element.Is("pIndex")) {
         index_ = element.Number(Link::Parameter);
@@ -72,6 +72,8 @@ void ValueSource<Number>::Finish(const ElementReader& own) const
     }
     if (!single_.IsGiven()) own.Refuse("it has neither <Value> nor <pValue>");
     if (copies_ && !single_.Reference()) own.Refuse("it has <pValueCopy> without <pValue>");
+    // Its increment counts for the access mode like those of the copies.
+    if (copies_) own.NumberOf(single_.Reference().Node().Name().view(), Link::Copy);
     if (!indexed_.empty() || otherwise_.IsGiven()) own.Refuse("it has indexed values without <pIndex>");
 }
 

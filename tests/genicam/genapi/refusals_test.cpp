@@ -109,16 +109,30 @@ TEST(Refusals, OfCycles)
                Node("Integer", "B", value + "<" + tag + ">C</" + tag + ">") +
                Node("Integer", "C", value + "<" + tag + ">A</" + tag + ">");
     };
-    for (const char* link : {"pValue", "pMin", "pIsAvailable", "pIsLocked", "pIsImplemented", "pBlockPolling"})
+    for (const char* link : {"pValue", "pIsAvailable", "pIsLocked", "pIsImplemented", "pBlockPolling"})
         ExpectRefused(Description(chain(link)), "\"A\": it depends on itself: A -> B -> C -> A");
-    for (const char* link : {"pSelected", "pInvalidator", "pAlias"}) {
+    for (const char* link : {"pMin", "pMax", "pSelected", "pInvalidator", "pAlias"}) {
         World world(chain(link));  // no data flow: allowed, and a write must end
-        world.Integer("A").SetValue(1);
+        world.Integer("A").SetValue(0);
     }
     ExpectRefused(Description(Node("Category", "Root", "<pFeature>Sub</pFeature>") +
                               Node("Category", "Sub", "<pFeature>Root</pFeature>")),
                   "\"Root\": it depends on itself: Root -> Sub -> Root");
     ExpectRefused(Description(Node("Integer", "A", "<pValue>A</pValue>")), "A -> A");
+    // Two that share a range are each other's limit, which asks for values only.
+    const auto limitedBy = [](const char* name, const char* other, const char* suffix) {
+        const std::string knife = std::string(name) + "Max";
+        return Node("Integer", name, "<Value>4</Value><Min>0</Min><pMax>" + knife + "</pMax>") +
+               Node("IntSwissKnife", knife,
+                    std::string("<pVariable Name=\"X") + suffix + "\">" + other + "</pVariable><Formula>10 - X" +
+                        suffix + "</Formula>");
+    };
+    World mutual(limitedBy("Width", "Offset", "") + limitedBy("Offset", "Width", ""));
+    mutual.Integer("Width").SetValue(6);
+    EXPECT_EQ(mutual.Integer("Offset").GetMax(), 4);
+    ExpectFailure<GenICam::OutOfRangeException>([&] { mutual.Integer("Offset").SetValue(5); }, "0 to 4");
+    ExpectRefused(Description(limitedBy("Width", "Offset", ".Max") + limitedBy("Offset", "Width", ".Max")),
+                  "it depends on itself: Width -> WidthMax -> Offset -> OffsetMax -> Width");
     ExpectRefused(Description(Node("Port", "Device", "<pIsAvailable>R</pIsAvailable>") + Reg("IntReg", "R", 0)),
                   "Device -> R -> Device");
 }
