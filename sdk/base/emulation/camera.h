@@ -36,7 +36,7 @@ struct Session
 
     bool streaming = false;
     bool delivering = false;  ///< A sink is being called.
-    std::deque<SStreamBuffer> buffers;
+    std::vector<SStreamBuffer> buffers;  ///< Few; those lent first come first.
     std::uint64_t frames = 0;  ///< Taken since the stream was started, lost ones included.
 
     bool acquiring = false;
