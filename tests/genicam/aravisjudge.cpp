@@ -479,4 +479,38 @@ bool AravisJudge::Write(const std::string& name, const std::string& value) const
     return false;
 }
 
+struct AravisFakeCamera::Impl
+{
+    std::unique_ptr<ArvDevice, Unreference> device{arv_fake_device_new("JUDGE", nullptr)};
+};
+
+AravisFakeCamera::AravisFakeCamera() : impl_(std::make_unique<Impl>())
+{
+    if (!impl_->device) throw std::runtime_error("Aravis has no fake camera");
+}
+
+AravisFakeCamera::~AravisFakeCamera() = default;
+
+std::string AravisFakeCamera::Description() const
+{
+    std::size_t size = 0;
+    const char* const text = arv_device_get_genicam_xml(impl_->device.get(), &size);
+    return {text, size};
+}
+
+void AravisFakeCamera::Read(void* buffer, int64_t address, int64_t length)
+{
+    if (!arv_device_read_memory(impl_->device.get(), static_cast<guint64>(address), static_cast<guint32>(length),
+                                buffer, nullptr))
+        throw std::runtime_error("the fake camera refuses to read");
+}
+
+void AravisFakeCamera::Write(const void* buffer, int64_t address, int64_t length)
+{
+    std::vector<uint8_t> bytes(static_cast<const uint8_t*>(buffer), static_cast<const uint8_t*>(buffer) + length);
+    if (!arv_device_write_memory(impl_->device.get(), static_cast<guint64>(address), static_cast<guint32>(length),
+                                 bytes.data(), nullptr))
+        throw std::runtime_error("the fake camera refuses to write");
+}
+
 }  // namespace GenApiTest

@@ -52,4 +52,21 @@ private:
     std::unique_ptr<Impl> impl_;
 };
 
+/// The camera that Aravis emulates, with the description and the registers that its makers gave it.
+class AravisFakeCamera : public GenApi::CPortImpl
+{
+public:
+    AravisFakeCamera();
+    ~AravisFakeCamera() override;
+
+    std::string Description() const;
+    GenApi::EAccessMode GetAccessMode() const override { return GenApi::RW; }
+    void Read(void* buffer, int64_t address, int64_t length) override;
+    void Write(const void* buffer, int64_t address, int64_t length) override;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
 }  // namespace GenApiTest

@@ -122,4 +122,31 @@ TEST_F(Judged, AgreesOnWhatWritingChanges)
     }
 }
 
+TEST(JudgedFakeCamera, AgreesOnADescriptionThatOthersWrote)
+{
+    AravisFakeCamera camera;
+    const std::string text = camera.Description();
+    const NodeMapPtr map = MakeMap(text);
+    ASSERT_TRUE(map->Connect(&camera));
+    const AravisJudge judge(text, camera);
+    const std::vector<Exemption> known = {
+        {"*", "inc", "raised", "no increment of masked registers and formulas"},
+        {"PayloadSize", "*", "raised", "no limits of formulas"},
+        {"TLParamsLocked", "tool tip", "*", "blanks at its ends are kept"},
+    };
+    const auto expectAgreement = [&](const std::string& when) {
+        for (const std::string& line : judge.Compare(*map, known))
+            ADD_FAILURE() << when << ": " << line;
+    };
+    expectAgreement("at first");
+    const std::pair<const char*, const char*> writes[] = {
+        {"Width", "320"}, {"ExposureTimeAbs", "1234"}, {"PixelFormat", "Mono16"}, {"AcquisitionFrameRate", "50"}};
+    for (const auto& [name, value] : writes) {
+        dynamic_cast<IValue&>(*map->GetNode(name)).FromString(value);
+        expectAgreement(name);
+    }
+    EXPECT_EQ(dynamic_cast<IInteger&>(*map->GetNode("Width")).GetValue(), 320);
+    map->Connect(nullptr);
+}
+
 }  // namespace
