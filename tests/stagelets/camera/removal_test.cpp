@@ -110,6 +110,7 @@ TEST_F(RemovalTest, TheEndWithdrawsWhatWaits)
     });
     for (Texts lines; std::count(lines.begin(), lines.end(), withdrawn) == 0; lines = log.messages())
         std::this_thread::yield();
+    EXPECT_EQ(end.wait_for(std::chrono::seconds(0)), std::future_status::timeout) << "the pool still has the job";
     mayEnd.set_value();
     EXPECT_EQ(end.get(), 0);
     EXPECT_EQ(log.messages(), (Texts{added, withdrawn, working}));
