@@ -429,7 +429,7 @@ void Scheduler::drop(Update& update)
     const LossCause cause = lane.refusedSpace ? LossCause::NoSpace
                             : failure >= 0    ? static_cast<LossCause>(failure)
                                               : LossCause::SourceFailed;
-    if (failure < 0 || cause == LossCause::NoSpace) raise(lane.lost[static_cast<std::size_t>(cause)]);
+    if (failure != static_cast<int>(cause)) raise(lane.lost[static_cast<std::size_t>(cause)]);
     ledger_.settle(cause);
     touch();
     if (limitCallback_ && isLimitSettled()) limitCallback_();
