@@ -1,0 +1,433 @@
+// Images, chunks and events on their way from the camera to the recipe, and the account of what was lost.
+#include <atomic>
+#include <future>
+#include <thread>
+
+#include "cameranodetest.h"
+#include "fakecamera.h"
+
+namespace Plugin::NivexStageletPackageBase::Test {
+namespace {
+
+using CameraTest::FakeDevice;
+using Nivex::SFrame;
+
+const Core::Image& imageOf(const Utils::Variant& value)
+{
+    return value.getValue<Core::Image>();
+}
+
+std::string errorOf(const Core::IValue& value)
+{
+    return value.hasError() ? value.getError()->getDescription().str() : "no error";
+}
+
+class CameraGrabbing : public CameraNodeTest
+{
+protected:
+    CameraGrabbing() { receiver.attachTo(node, "Image"); }
+    ~CameraGrabbing() override { node.stop(); }
+
+    void start(Utils::Variant mode = {})
+    {
+        Core::NodeArgumentCollection arguments;
+        if (mode.isValid()) arguments.setArgument("AcquisitionMode", std::move(mode));
+        node.allocateResources();
+        node.start(arguments);
+    }
+    FakeDevice& device() { return *backend->device; }
+    void addPin(bool isEvent, const char* line)
+    {
+        if (isEvent) {
+            node.executeEventPinAdd();
+            node.setEventPinConfiguration(line);
+        } else {
+            node.executeChunkPinAdd();
+            node.setChunkPinConfiguration(line);
+        }
+        receiver.attachTo(node, std::string(line, std::strchr(line, '.')));
+    }
+
+    const std::shared_ptr<FakeBackend> backend = std::make_shared<FakeBackend>();
+    Receiver receiver;
+    Camera node{std::make_shared<Runtime::ResourcePool>(2, Runtime::ResourcePool::CameraBackends{backend})};
+};
+
+TEST_F(CameraGrabbing, StartArgumentsSetTheMode)
+{
+    const std::string ignored = GenICam::formatText(
+        "Camera %p: Argument \"AcquisitionMode\" is not of type \"String\" or invalid and is therefore ignored.",
+        static_cast<const void*>(&node));
+    struct Row
+    {
+        Utils::Variant argument;
+        AcquisitionMode mode;
+        std::size_t refused;
+    };
+    const Row rows[] = {
+        {Utils::Variant(Core::String("SingleFrame")), AcquisitionMode::SingleFrame, 0},
+        {Utils::Variant(Core::String("Continuous")), AcquisitionMode::Continuous, 0},
+        {Utils::Variant(Core::String("continuous")), AcquisitionMode::Continuous, 1},
+        {Utils::Variant(Core::Integer(0L)), AcquisitionMode::Continuous, 2},
+    };
+    std::size_t images = 0;
+    for (const Row& row : rows) {
+        start(row.argument);
+        EXPECT_EQ(node.getAcquisitionMode(), row.mode);
+        const bool isSingle = row.mode == AcquisitionMode::SingleFrame;
+        for (int i = 0; i < 3; ++i)
+            device().PushFrame();
+        images += isSingle ? 1 : 3;
+        EXPECT_EQ(receiver.waitFor("Image", images).size(), images);
+        // One frame does not end the node.
+        EXPECT_EQ(node.getState(), Core::NodeState::Started);
+        node.stop();
+        EXPECT_EQ(receiver.waitFor("Image", 0).size(), images);
+        EXPECT_EQ(logged(ignored), row.refused);
+    }
+}
+
+TEST_F(CameraGrabbing, GoodImagesAreTheMemoryThatTheCameraWrote)
+{
+    start();
+    std::vector<const void*> written;
+    for (int i = 0; i < 3; ++i)
+        device().PushFrame([&](SFrame& frame) { written.push_back(frame.buffer.data); });
+    // A payload of several components: the intensity behind the range is the picture.
+    device().PushFrame([&](SFrame& frame) {
+        frame.payloadType = Nivex::EPayloadType::MultiComponent;
+        frame.componentCount = 2;
+        frame.components[0] = {.type = Nivex::EComponentType::Range,
+                               .pixelType = Nivex::EPixelType::Mono8,
+                               .width = 4,
+                               .height = 4,
+                               .size = 16};
+        frame.components[1] = {.type = Nivex::EComponentType::Intensity,
+                               .pixelType = Nivex::EPixelType::Mono8,
+                               .width = 4,
+                               .height = 2,
+                               .offset = 16,
+                               .size = 8};
+        written.push_back(frame.buffer.data + 16);
+    });
+    const std::vector<Utils::Variant> images = receiver.waitFor("Image", 4);
+    for (std::size_t i = 0; i < 4; ++i)
+        EXPECT_EQ(imageOf(images[i]).getDataConst(), written[i]);
+    node.stop();
+    node.freeResources();
+    EXPECT_EQ(*static_cast<const std::uint8_t*>(imageOf(images[1]).getDataConst()), 2);
+    EXPECT_FALSE(backend->state->isAlive);
+}
+
+TEST_F(CameraGrabbing, FailedResultsAreErrorsOrRepaired)
+{
+    struct Row
+    {
+        FixCorruptImages fix;
+        bool isComplete;
+        const char* description;
+        const char* error;
+        const char* corrupt;  ///< Of the pin "ImageCorrupt".
+    };
+    const Row rows[] = {
+        {FixCorruptImages::Off, false, "", "The grabbed image is corrupt.", "no value"},
+        {FixCorruptImages::Off, false, "Packets lost.", "Packets lost.", "no value"},
+        {FixCorruptImages::On, true, "", "no error", "false"},
+        {FixCorruptImages::Off, true, "", "no error", "no value"},
+    };
+    std::size_t count = 0;
+    std::string corrupt;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.error);
+        node.setFixCorruptImages(row.fix);
+        Receiver corruptReceiver;
+        if (row.fix == FixCorruptImages::On) corruptReceiver.attachTo(node, "ImageCorrupt");
+        start();
+        device().PushFrame([&](SFrame& frame) {
+            frame.isComplete = row.isComplete;
+            frame.errorDescription = row.description;
+        });
+        EXPECT_EQ(errorOf(imageOf(receiver.waitFor("Image", ++count).back())), row.error);
+        node.stop();
+        const auto values = corruptReceiver.waitFor("ImageCorrupt", 0);
+        corrupt = values.empty() ? "no value" : values.back().getValue<Core::Boolean>().get() ? "true" : "false";
+        EXPECT_EQ(corrupt, row.corrupt);
+    }
+    // The fake camera states no payload size, so there is nothing to repair with: the flag tells all the same.
+    node.setFixCorruptImages(FixCorruptImages::On);
+    receiver.attachTo(node, "ImageCorrupt");
+    start();
+    device().PushFrame([](SFrame& frame) { frame.isComplete = false; });
+    EXPECT_TRUE(receiver.waitFor("ImageCorrupt", 1)[0].getValue<Core::Boolean>().get());
+    EXPECT_TRUE(imageOf(receiver.waitFor("Image", count + 1).back()).hasError());
+}
+
+TEST_F(CameraGrabbing, ChunksTravelWithTheirImageAndEventsAlone)
+{
+    addPin(false, "Number.Type=Integer.ValueName=ChunkNumber");
+    addPin(false, "Absent.Type=Integer.ValueName=NoSuchChunk");
+    addPin(true, "Event.Type=Integer.EventName=E.ValueName=EventData");
+    addPin(true, "Unknown.Type=Integer.EventName=E.ValueName=NoSuchEvent");
+    backend->state->description = CameraTest::FakeDescription(
+        R"(<Enumeration Name="EventNotification"><EnumEntry Name="Off"><Value>0</Value></EnumEntry>
+           <EnumEntry Name="On"><Value>1</Value></EnumEntry><Value>0</Value></Enumeration>)");
+    node.allocateResources();
+    EXPECT_TRUE(device().PushEvent(0xA001, 1)) << "before the start: not put out";
+    std::vector<std::string> order;
+    std::mutex mutex;
+    receiver.onValue = [&](const Receiver::Value& value) {
+        const std::lock_guard lock(mutex);
+        order.push_back(value.pin);
+    };
+    start();
+    device().PushFrame();
+    receiver.waitFor("Image", 1);
+    device().PushEvent(0xA001, 4711);
+    device().PushEvent(0xBAD, 1);
+    receiver.waitFor("Event", 1);
+    device().PushFrame([](SFrame& frame) { CameraTest::AddChunk(frame, 16, 42); });
+    receiver.waitFor("Image", 2);
+    // A chunk that is longer than the frame.
+    device().PushFrame([](SFrame& frame) {
+        CameraTest::AddChunk(frame, 16, 43);
+        frame.buffer.data[frame.payloadSize - 4] = std::byte{200};
+    });
+    receiver.waitFor("Image", 3);
+    node.stop();
+    device().PushEvent(0xA001, 2);
+    EXPECT_EQ(receiver.waitFor("Number", 1).at(0).getValue<Core::Integer>().getUnsigned(), 42U);
+    EXPECT_EQ(receiver.waitFor("Event", 1).at(0).getValue<Core::Integer>().getUnsigned(), 4711U);
+    EXPECT_FALSE(receiver.waitFor("Absent", 1).at(0).isValid());
+    EXPECT_THAT(order, ElementsAre("Image", "Event", "Image", "Number", "Absent", "Image"));
+    EXPECT_EQ(logged(GenICam::formatText("Camera %p: Failed to get chunk data value for \"Number\" pin.",
+                                         static_cast<const void*>(&node))),
+              1U);
+}
+
+TEST_F(CameraGrabbing, AStartThatFailsLeavesTheNodeStoppedAndUsable)
+{
+    node.allocateResources();
+    backend->state->before = [](const std::string& operation) {
+        if (operation == "StartStream") GENICAM_THROW(RuntimeException, "No stream today.");
+    };
+    EXPECT_EQ(refusal<GenICam::RuntimeException>([&] { node.start({}); }), "No stream today.");
+    EXPECT_EQ(node.getState(), Core::NodeState::Stopped);
+    EXPECT_TRUE(GenApi::IsAvailable(map(node).GetNode("DeviceSelector")));
+    backend->state->before = [](const std::string&) {};
+    start();
+    device().PushFrame();
+    receiver.waitFor("Image", 1);
+}
+
+TEST_F(CameraGrabbing, AnOpeningThatFailsLeavesNoCamera)
+{
+    backend->state->before = [](const std::string& operation) {
+        if (operation == "Open") GENICAM_THROW(RuntimeException, "The camera is busy.");
+    };
+    EXPECT_EQ(refusal<GenICam::RuntimeException>([&] { node.allocateResources(); }), "The camera is busy.");
+    EXPECT_EQ(logged(GenICam::formatText(
+                  "Camera %p: Exception caught while allocating camera resource.. Message: The camera is busy.",
+                  static_cast<const void*>(&node))),
+              1U);
+    EXPECT_FALSE(backend->state->isAlive);
+    EXPECT_EQ(maps(node).size(), 2U);
+    backend->state->before = [](const std::string& operation) {
+        if (operation == "Open") throw 5;
+    };
+    EXPECT_EQ(refusal<GenICam::RuntimeException>([&] { node.allocateResources(); }),
+              "Unknown exception caught while allocating camera resource.");
+    EXPECT_EQ(logged(GenICam::formatText("Camera %p: Unknown exception caught while allocating camera resource..",
+                                         static_cast<const void*>(&node))),
+              1U);
+    backend->state->before = [](const std::string&) {};
+    start();
+}
+
+// The account
+
+class CameraAccount : public CameraNodeTest
+{
+protected:
+    struct Recipe
+    {
+        explicit Recipe(const std::shared_ptr<Runtime::ResourcePool>& itsPool) : graph(itsPool)
+        {
+            auto ownedCamera = std::make_unique<Camera>(itsPool);
+            auto ownedSink = std::make_unique<SinkNode>(std::vector<std::string>{"Image", "Chunk", "Event"});
+            camera = ownedCamera.get();
+            sink = ownedSink.get();
+            const auto end = [](Core::NodeBase* node) { delete node; };
+            graph.addNode("Camera", "Camera", {ownedCamera.release(), end});
+            graph.addNode("Sink", "Sink", {ownedSink.release(), end});
+        }
+        void allocate()
+        {
+            graph.connect("Camera", "Image", "Sink", "Image");
+            graph.allocate();
+        }
+
+        Camera* camera = nullptr;
+        SinkNode* sink = nullptr;
+        Runtime::Graph graph;
+    };
+
+    static std::string lossesOf(const Core::LossCounts& lost)
+    {
+        std::string text;
+        for (std::size_t i = 0; i < lost.size(); ++i) {
+            if (lost[i] > 0) text += std::string(Core::lossCauseNames[i]) + "=" + std::to_string(lost[i]) + " ";
+        }
+        return text;
+    }
+    /// Every update has one outcome.
+    static void expectBalance(const Runtime::RunStatistics& statistics)
+    {
+        std::uint64_t settled = statistics.finished;
+        for (const std::uint64_t count : statistics.lost)
+            settled += count;
+        EXPECT_EQ(statistics.offered, settled);
+        EXPECT_EQ(statistics.inFlight, 0U);
+    }
+};
+
+TEST_F(CameraAccount, EndsExactlyAtTheLimit)
+{
+    struct Row
+    {
+        const char* name;
+        std::vector<std::pair<const char*, const char*>> settings;
+        std::uint64_t limit;
+        const char* losses;
+        std::uint64_t offered;
+    };
+    const Row rows[] = {
+        {"good frames", {}, 50, "", 50},
+        {"each fifth fails", {{"FailedFramesEvery", "5"}}, 50, "grab_failed=10 ", 50},
+        {"two after each tenth are missing", {{"LostFramesEvery", "10"}, {"LostFramesNumber", "2"}}, 50, "?", 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        Recipe recipe(pool);
+        recipe.allocate();
+        set(*recipe.camera, "@CameraDevice", "AcquisitionFrameRateEnable", "false");
+        for (const auto& [name, value] : row.settings)
+            set(*recipe.camera, "@CameraDevice", name, value);
+        std::atomic<std::uint64_t> images = 0;
+        recipe.sink->step = [&](Core::PinValues&) { ++images; };
+        recipe.graph.setUpdateLimit(row.limit);
+        recipe.graph.start();
+        EXPECT_EQ(recipe.graph.wait(std::chrono::seconds(60), {}), Runtime::Graph::Event::LimitReached);
+        recipe.graph.stop();
+        const Runtime::RunStatistics statistics = recipe.graph.getStatistics();
+        expectBalance(statistics);
+        EXPECT_EQ(images, row.limit);
+        const std::uint64_t missed = statistics.lost[static_cast<std::size_t>(Core::LossCause::FramesMissed)];
+        if (row.offered == 0) {
+            EXPECT_EQ(lossesOf(statistics.lost), "frames_missed=" + std::to_string(missed) + " ");
+            EXPECT_GE(missed, 8U);
+            EXPECT_EQ(statistics.offered, row.limit + missed);
+        } else {
+            EXPECT_EQ(lossesOf(statistics.lost), row.losses);
+            EXPECT_EQ(statistics.offered, row.offered);
+        }
+        EXPECT_EQ(lossesOf(statistics.nodes[0].lost), lossesOf(statistics.lost));
+        recipe.graph.free();
+        Camera reset(pool);
+        reset.allocateResources();
+        for (const char* fault : {"FailedFramesEvery", "LostFramesEvery"})
+            set(reset, "@CameraDevice", fault, "0");
+    }
+}
+
+// Frames that are in hand or wait in the camera's queue when the recipe stops are lost, and counted.
+TEST_F(CameraAccount, CountsWhatASlowRecipeLeavesBehindAtItsStop)
+{
+    for (int round = 0; round < 2; ++round) {
+        Recipe recipe(pool);
+        recipe.allocate();
+        set(*recipe.camera, "@CameraDevice", "AcquisitionFrameRateEnable", "false");
+        std::promise<void> open;
+        const auto opened = open.get_future().share();
+        recipe.sink->step = [opened](Core::PinValues&) { opened.wait(); };
+        recipe.graph.start();
+        await([&] { return recipe.graph.getStatistics().inFlight > recipe.sink->getMaxInputJobCount(); });
+        auto stopping = std::async(std::launch::async, [&] { recipe.graph.stop(); });
+        await([&] { return recipe.camera->getState() == Core::NodeState::Stopped; });
+        open.set_value();
+        stopping.get();
+        const Runtime::RunStatistics statistics = recipe.graph.getStatistics();
+        expectBalance(statistics);
+        EXPECT_EQ(statistics.finished, recipe.sink->getMaxInputJobCount());
+        const std::uint64_t noSpace = statistics.lost[static_cast<std::size_t>(Core::LossCause::NoSpace)];
+        EXPECT_GE(noSpace, 1U);
+        EXPECT_EQ(statistics.nodes[0].lost[static_cast<std::size_t>(Core::LossCause::NoSpace)], noSpace);
+        EXPECT_EQ(lossesOf(statistics.lost), "no_space=" + std::to_string(noSpace) + " ");
+        // And again with the same camera.
+    }
+}
+
+TEST_F(CameraAccount, EventsAndImagesShareOneAccount)
+{
+    Recipe recipe(pool);
+    recipe.camera->executeEventPinAdd();
+    recipe.camera->setEventPinConfiguration(
+        "Event.Type=Integer.EventName=ExposureEnd.ValueName=EventExposureEndFrameID");
+    recipe.camera->executeChunkPinAdd();
+    recipe.camera->setChunkPinConfiguration("Chunk.Type=Integer.ValueName=ChunkFrameID");
+    recipe.graph.connect("Camera", "Event", "Sink", "Event");
+    recipe.graph.connect("Camera", "Chunk", "Sink", "Chunk");
+    recipe.allocate();
+    set(*recipe.camera, "@CameraDevice", "AcquisitionFrameRate", "500");
+    set(*recipe.camera, "@CameraDevice", "ChunkModeActive", "true");
+    std::atomic<std::uint64_t> events = 0;
+    std::vector<std::uint64_t> frames;
+    std::atomic<std::size_t> wrong = 0;
+    recipe.sink->step = [&](Core::PinValues& values) {
+        if (values.count("Event")) {
+            ++events;
+            wrong += values.size() != 1;
+        } else {
+            wrong += values.size() != 2;
+            frames.push_back(values.at("Chunk").getValue<Core::Integer>().getUnsigned());
+        }
+    };
+    recipe.graph.setUpdateLimit(60);
+    recipe.graph.start();
+    EXPECT_EQ(recipe.graph.wait(std::chrono::seconds(60), {}), Runtime::Graph::Event::LimitReached);
+    recipe.graph.stop();
+    expectBalance(recipe.graph.getStatistics());
+    EXPECT_EQ(wrong, 0U);
+    EXPECT_GT(events, 20U);
+    ASSERT_GT(frames.size(), 20U);
+    EXPECT_TRUE(std::is_sorted(frames.begin(), frames.end()));
+}
+
+// Everything at once, stopped at any moment, again and again: the account is exact and nothing hangs.
+TEST_F(CameraAccount, IsExactWhenStoppedAtAnyMoment)
+{
+    Recipe recipe(pool);
+    recipe.camera->executeEventPinAdd();
+    recipe.camera->setEventPinConfiguration(
+        "Event.Type=Integer.EventName=ExposureEnd.ValueName=EventExposureEndFrameID");
+    recipe.graph.connect("Camera", "Event", "Sink", "Event");
+    recipe.allocate();
+    set(*recipe.camera, "@CameraDevice", "AcquisitionFrameRateEnable", "false");
+    set(*recipe.camera, "@CameraDevice", "FailedFramesEvery", "7");
+    set(*recipe.camera, "@CameraDevice", "Width", "64");
+    std::atomic<std::uint64_t> steps = 0;
+    recipe.sink->step = [&](Core::PinValues&) {
+        if (++steps % 16 == 0) std::this_thread::sleep_for(std::chrono::microseconds(200));
+    };
+    for (std::uint64_t round = 0; round < 25; ++round) {
+        steps = 0;
+        recipe.graph.start();
+        await([&] { return steps >= 4 * round; });
+        recipe.graph.stop();
+        const Runtime::RunStatistics statistics = recipe.graph.getStatistics();
+        expectBalance(statistics);
+        EXPECT_EQ(statistics.nodes[0].out, steps);
+    }
+}
+
+}  // namespace
+}  // namespace Plugin::NivexStageletPackageBase::Test
