@@ -124,7 +124,7 @@ std::string selectedBy(const Feature& selector)
 bool isStreamable(const Placed& place)
 {
     const Feature& feature = *place.feature;
-    return place.category->isStandard && !feature.readOnly && !feature.isVolatile &&
+    return place.category->isStandard && !feature.readOnly && !feature.isVolatile && feature.level != ELevel::Invisible &&
            feature.kind != EKind::Command && feature.name != std::string_view("DeviceUserID");
 }
 

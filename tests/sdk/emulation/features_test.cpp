@@ -2,6 +2,7 @@
 // in the other tests of this folder.
 #include <set>
 
+#include "genicam/aravisjudge.h"
 #include "sdk/emulation/world.h"
 
 using namespace EmulationTest;
@@ -50,6 +51,34 @@ TEST(Features, ReadAllAndExplainThemselves)
               (std::set<std::string>{"ChunkDataControl", "ChunkTimestamp", "ChunkFrameID", "ChunkExposureTime",
                                      "ChunkGainSelector", "ChunkGain", "ChunkLineStatusAll", "ChunkWidth",
                                      "ChunkHeight", "ChunkOffsetX", "ChunkOffsetY", "ChunkPixelFormat"}));
+}
+
+// The descriptions and the memory behind them, as an independent runtime understands them.
+TEST(Features, AreReadAlikeByAnIndependentReader)
+{
+    const World world({{"Width", "101"},
+                       {"OffsetX", "50"},
+                       {"PixelFormat", "BayerGB12p"},
+                       {"ExposureTime", "123.4"},
+                       {"DeviceUserID", "Left"},
+                       {"Gain", "1.5"},
+                       {"ChunkModeActive", "1"}});
+    std::vector<GenApiTest::Exemption> differences = {
+        {"*", "inc", "raised", "no increment of formulas; the schema's default is 1"},
+        {"*", "min", "raised", "no limits of formulas; we give those of the type"},
+        {"*", "max", "raised", "no limits of formulas; we give those of the type"}};
+    GenApi::NodeList_t nodes;
+    world.device->GetNodeMap()->GetNodes(nodes);
+    for (GenApi::INode* node : nodes)
+        if (node->GetAccessMode() == GenApi::NA && node->GetPrincipalInterfaceType() != GenApi::intfIPort)
+            differences.push_back({node->GetName().str(), "access", "RO", "no frame or event came yet"});
+    for (const auto& map : AllMaps(*world.device)) {
+        auto& port = dynamic_cast<GenApi::IPort&>(*map->GetNode("Device"));
+        const GenApiTest::AravisJudge judge(map->GetDescriptionText().str(), port);
+        for (const std::string& line : judge.Compare(*map, differences))
+            ADD_FAILURE() << line;
+        differences.clear();  // only the camera's map has any
+    }
 }
 
 TEST(Features, OfEachSelectorsEntryAreApart)
