@@ -36,18 +36,18 @@ const CatchSite endSession{"DataWriter %p: Exception caught while ending media w
 
 }  // namespace CatchSites
 
-// The formats are those of the table above.
+// The formats are those of such tables as the one above.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 
-void logCaught(const CatchSite& site, const void* node, const char* message) noexcept
+void logCaught(const CatchSite& site, const void* object, const char* message) noexcept
 {
-    Utils::createLogEntry(Utils::SeverityFailure, dataWriterChannel(), site.known, node, message);
+    Utils::createLogEntry(Utils::SeverityFailure, site.channel(), site.known, object, message);
 }
 
-void logCaughtUnknown(const CatchSite& site, const void* node) noexcept
+void logCaughtUnknown(const CatchSite& site, const void* object) noexcept
 {
-    Utils::createLogEntry(Utils::SeverityFailure, dataWriterChannel(), site.unknown, node);
+    Utils::createLogEntry(Utils::SeverityFailure, site.channel(), site.unknown, object);
 }
 
 #pragma GCC diagnostic pop

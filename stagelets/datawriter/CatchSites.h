@@ -11,11 +11,12 @@ namespace Plugin::NivexStageletPackageBase {
 /// The node's log channel.
 Nivex::DataProcessing::Utils::CatId dataWriterChannel();
 
-/// What is logged for an exception that one place caught: "%p" is the node, "%s" the message.
+/// What is logged for an exception that one place caught: "%p" is the object it was caught in, "%s" the message.
 struct CatchSite
 {
     const char* known;
     const char* unknown;
+    Nivex::DataProcessing::Utils::CatId (*channel)() = dataWriterChannel;
 };
 
 namespace CatchSites {
@@ -30,22 +31,22 @@ extern const CatchSite endRecord;
 extern const CatchSite endSession;
 }  // namespace CatchSites
 
-void logCaught(const CatchSite& site, const void* node, const char* message) noexcept;
-void logCaughtUnknown(const CatchSite& site, const void* node) noexcept;
+void logCaught(const CatchSite& site, const void* object, const char* message) noexcept;
+void logCaughtUnknown(const CatchSite& site, const void* object) noexcept;
 
 /// Runs the operation and logs what it throws; false if it threw.
 template <typename Operation>
-bool guarded(const CatchSite& site, const void* node, const Operation& operation)
+bool guarded(const CatchSite& site, const void* object, const Operation& operation)
 {
     try {
         operation();
         return true;
     } catch (const GenICam::GenericException& exception) {
-        logCaught(site, node, exception.GetDescription());
+        logCaught(site, object, exception.GetDescription());
     } catch (const std::exception& exception) {
-        logCaught(site, node, exception.what());
+        logCaught(site, object, exception.what());
     } catch (...) {
-        logCaughtUnknown(site, node);
+        logCaughtUnknown(site, object);
     }
     return false;
 }

@@ -28,35 +28,11 @@ Utils::CatId videoChannel()
 }
 
 const CatchSite openSite{"DataWriterVideo %p: Exception caught while opening video. Message: %s",
-                         "DataWriterVideo %p: Unknown exception caught while opening video."};
+                         "DataWriterVideo %p: Unknown exception caught while opening video.", videoChannel};
 const CatchSite addSite{"DataWriterVideo %p: Exception caught while adding image to video. Message: %s",
-                        "DataWriterVideo %p: Unknown exception caught while adding image to video."};
+                        "DataWriterVideo %p: Unknown exception caught while adding image to video.", videoChannel};
 const CatchSite closeSite{"DataWriterVideo %p: Exception caught while closing video. Message: %s",
-                          "DataWriterVideo %p: Unknown exception caught while closing video."};
-
-// The formats are those above.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-
-/// Runs the operation and logs what it throws; false if it threw.
-template <typename Operation>
-bool logFailures(const CatchSite& site, const void* writer, const Operation& operation)
-{
-    try {
-        operation();
-        return true;
-    } catch (const GenICam::GenericException& exception) {
-        Utils::createLogEntry(Utils::SeverityFailure, videoChannel(), site.known, writer,
-                              exception.GetDescription());
-    } catch (const std::exception& exception) {
-        Utils::createLogEntry(Utils::SeverityFailure, videoChannel(), site.known, writer, exception.what());
-    } catch (...) {
-        Utils::createLogEntry(Utils::SeverityFailure, videoChannel(), site.unknown, writer);
-    }
-    return false;
-}
-
-#pragma GCC diagnostic pop
+                          "DataWriterVideo %p: Unknown exception caught while closing video.", videoChannel};
 
 bool isSupported(EPixelType pixelType)
 {
@@ -103,8 +79,8 @@ void VideoMediaWriter::writeImage(const Core::Image& image, const MediaWriterCon
         ledger_.reportLoss(LossCause::Unsupported);
         return;
     }
-    if (!opened_) opened_ = logFailures(openSite, this, [&] { open(image, context, indices); });
-    if (!opened_ || !logFailures(addSite, this, [&] { add(image); })) {
+    if (!opened_) opened_ = guarded(openSite, this, [&] { open(image, context, indices); });
+    if (!opened_ || !guarded(addSite, this, [&] { add(image); })) {
         ledger_.reportLoss(cause_);
         reportLateLosses();
         return;
@@ -166,7 +142,7 @@ void VideoMediaWriter::close()
 {
     if (!writer_.IsOpen()) return;
     opened_ = false;
-    const bool isClosed = logFailures(closeSite, this, [&] { notingCause([&] { writer_.Close(); }); });
+    const bool isClosed = guarded(closeSite, this, [&] { notingCause([&] { writer_.Close(); }); });
     reportLateLosses();
     if (isClosed || writer_.GetLastFailure() != EVideoFailure::File) {
         ledger_.reportRecorded(1, 0);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/resource.h>
@@ -18,6 +19,7 @@
 
 #include "genapi/genapi.h"
 
+#include "../../framework/logcapture.h"
 #include "core/errors.h"
 #include "core/image.h"
 #include "core/inodehost.h"
@@ -227,5 +229,34 @@ Core::PinValues onPin1(T value)
 {
     return {{"Data1", Utils::Variant(std::move(value))}};
 }
+
+/// A node that writes straight into a folder of the test's own.
+class FolderTest : public testing::Test
+{
+protected:
+    TemporaryFolder folder;
+    CountingHost host;
+    DataWriter node{nullptr};
+    Parameters parameters{node};
+    ScopedLogCapture log;
+
+    explicit FolderTest(const char* mediaType)
+    {
+        node.attachHost(&host);
+        parameters.set("OutputFolderName", folder.path().string());
+        parameters.set("SessionFolderName", "");
+        parameters.set("MediaType", mediaType);
+    }
+    ~FolderTest() override { node.stop(); }
+
+    /// A session with an update for each of the values.
+    void write(const std::vector<Core::PinValues>& updates)
+    {
+        node.start({});
+        for (const Core::PinValues& values : updates)
+            runUpdate(node, values);
+        node.stop();
+    }
+};
 
 }  // namespace DataWriterTest

@@ -9,7 +9,6 @@
 #include "utility/niveximage.h"
 #include "utility/pixelformats.h"
 
-#include "../../framework/logcapture.h"
 #include "core/array.h"
 #include "core/integer.h"
 #include "datawritertest.h"
@@ -20,29 +19,15 @@ namespace {
 using Core::LossCause;
 using Nivex::EPixelType;
 
-class ImageFiles : public testing::Test
+class ImageFiles : public FolderTest
 {
 protected:
-    TemporaryFolder folder;
-    CountingHost host;
-    DataWriter node{nullptr};
-    Parameters parameters{node};
-    ScopedLogCapture log;
+    ImageFiles() : FolderTest("BMP") {}
 
-    ImageFiles()
-    {
-        node.attachHost(&host);
-        parameters.set("OutputFolderName", folder.path().string());
-        parameters.set("SessionFolderName", "");
-    }
-    ~ImageFiles() override { node.stop(); }
-
-    void write(const char* mediaType, const Core::PinValues& values)
+    void writeOne(const char* mediaType, const Core::PinValues& values)
     {
         parameters.set("MediaType", mediaType);
-        node.start({});
-        runUpdate(node, values);
-        node.stop();
+        write({values});
     }
     Nivex::CNivexImage load(const std::string& name) const
     {
@@ -98,7 +83,7 @@ TEST_F(ImageFiles, HoldThePicturesOfAllKindsOfSources)
             if (format.isRawBayer && Nivex::IsMonochrome(pixelType)) continue;
             SCOPED_TRACE(std::string(format.mediaType) + " of " + Nivex::GetPixelTypeName(pixelType));
             const Core::Image source = image(pixelType, 8, 4, padding);
-            write(format.mediaType, onPin1(source));
+            writeOne(format.mediaType, onPin1(source));
             EXPECT_EQ(host.files, ++files);
             const std::string name = std::string("Image_Record1_Data1") + format.extension;
             if (format.isRawBayer && Nivex::IsBayer(pixelType)) {
@@ -131,8 +116,8 @@ TEST_F(ImageFiles, ReplaceThoseThatExistInEveryFileMode)
         for (const char* mode : {"Create", "CreateThenAppend", "Append"}) {
             SCOPED_TRACE(std::string(mediaType) + " " + mode);
             parameters.set("FileMode", mode);
-            write(mediaType, onPin1(light));
-            write(mediaType, onPin1(dark));
+            writeOne(mediaType, onPin1(light));
+            writeOne(mediaType, onPin1(dark));
             const fs::path file = folder.path() / *folder.entries().begin();
             ASSERT_EQ(file.stem(), mediaType);
             sizes.insert(fs::file_size(file));
@@ -152,13 +137,13 @@ TEST_F(ImageFiles, AreJpegOrTheBareBuffer)
         std::fill_n(static_cast<std::uint8_t*>(picture.GetBuffer()), picture.GetImageSize(), std::uint8_t{77});
         return Core::Image(picture, nullptr, false);
     }();
-    write("JPEG", onPin1(flat));
+    writeOne("JPEG", onPin1(flat));
     EXPECT_EQ(pixels(load("Image_Record1_Data1.jpg")), pixels(flat.getNivexImage()));
     const auto jpegBytes = fs::file_size(folder.path() / "Image_Record1_Data1.jpg");
     EXPECT_EQ(host.bytes, jpegBytes);
 
     const Core::Image packed = image(EPixelType::BayerBG12p, 6, 3, 5);
-    write("RAW", onPin1(packed));
+    writeOne("RAW", onPin1(packed));
     EXPECT_EQ(fs::file_size(folder.path() / "Image_Record1_Data1.raw"), packed.getImageSize());
     EXPECT_EQ(host.bytes, jpegBytes + packed.getImageSize());
     EXPECT_EQ(host.files, 2u);
@@ -168,10 +153,10 @@ TEST_F(ImageFiles, AreNamedByTheTemplate)
 {
     const Core::Image picture = image(EPixelType::Mono8);
     const Core::Array<Core::Image> pictures(std::vector<Core::Image>{picture, picture});
-    write("PNG", onPin1(pictures));
+    writeOne("PNG", onPin1(pictures));
     parameters.set("FileName", "a/b {SessionIndex}.{PinIndex}.{ArraySize}.{ArrayIndex}.{MediaWriterIndex}{Width}");
-    write("RAW", onPin1(pictures));
-    write("BMP", onPin1(picture));
+    writeOne("RAW", onPin1(pictures));
+    writeOne("BMP", onPin1(picture));
     EXPECT_EQ(folder.entries(), (std::set<std::string>{"Image_Record1_Data1_0.png", "Image_Record1_Data1_1.png",
                                                        "a_b 2.1.2.0.1{Width}.raw", "a_b 2.1.2.1.1{Width}.raw",
                                                        "a_b 3.1.0.0.1{Width}.bmp"}));
@@ -211,7 +196,7 @@ TEST_F(ImageFiles, AreCountedWhenTheyDoNotComeAbout)
         host.lost.clear();
         log.clear();
         parameters.set("FileName", row.fileName);
-        write(row.mediaType, row.values);
+        writeOne(row.mediaType, row.values);
         EXPECT_EQ(host.lost, (std::map<LossCause, int>{{row.cause, 1}}));
         EXPECT_EQ(log.messages("nivex.dataprocessing.stagelet.DataWriter").size(), row.logLines);
     }
@@ -222,18 +207,17 @@ TEST_F(ImageFiles, AreCountedWhenTheyDoNotComeAbout)
 TEST_F(ImageFiles, AreWrittenBesidesThoseOfAnArrayThatCannotBe)
 {
     const std::vector<Core::Image> pictures = {Core::Image(error("no image")), image(EPixelType::Mono8)};
-    write("PNG", onPin1(Core::Array<Core::Image>(pictures)));
+    writeOne("PNG", onPin1(Core::Array<Core::Image>(pictures)));
     EXPECT_EQ(folder.entries(), (std::set<std::string>{"Image_Record1_Data1_1.png"}));
     EXPECT_EQ(host.lost, (std::map<LossCause, int>{{LossCause::InvalidInput, 1}}));
     EXPECT_EQ(host.files, 1u);
 }
 
-
 TEST_F(ImageFiles, LeaveNothingBehindOnAFullDisk)
 {
     {
         const FileSizeLimit full(1000);
-        write("RAW", onPin1(image(EPixelType::Mono8, 100, 100)));
+        writeOne("RAW", onPin1(image(EPixelType::Mono8, 100, 100)));
     }
     EXPECT_EQ(folder.entries(), std::set<std::string>());
     EXPECT_EQ(host.lost, (std::map<LossCause, int>{{LossCause::FileNotWritten, 1}}));

@@ -1,7 +1,6 @@
 // Videos from end to end: pictures through a node into a folder, counted by independent programs.
 #include <gmock/gmock.h>
 
-#include "../../framework/logcapture.h"
 #include "../../videojudge.h"
 #include "core/array.h"
 #include "core/integer.h"
@@ -17,32 +16,11 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-class VideoFiles : public testing::Test
+class VideoFiles : public FolderTest
 {
 protected:
-    TemporaryFolder folder;
-    CountingHost host;
-    DataWriter node{nullptr};
-    Parameters parameters{node};
-    ScopedLogCapture log;
+    VideoFiles() : FolderTest("MP4") {}
 
-    VideoFiles()
-    {
-        node.attachHost(&host);
-        parameters.set("OutputFolderName", folder.path().string());
-        parameters.set("SessionFolderName", "");
-        parameters.set("MediaType", "MP4");
-    }
-    ~VideoFiles() override { node.stop(); }
-
-    /// A session with an update for each of the values.
-    void write(const std::vector<Core::PinValues>& updates)
-    {
-        node.start({});
-        for (const Core::PinValues& values : updates)
-            runUpdate(node, values);
-        node.stop();
-    }
     std::map<std::string, int> frames() const
     {
         std::map<std::string, int> counts;
