@@ -288,7 +288,7 @@ CVideoWriter::CVideoWriter()
           initialRate, lowestRate, highestRate),
       RecordingFrameRate(
           {"RecordingFrameRate", "Recording Frame Rate", "Pictures per second that are added to the video.",
-           "Pictures per second that are added to the video. At most half a second of them can be "
+           "Pictures per second that are added to the video. At most half a second of them and two more can be "
            "lost if the process is killed."},
           initialRate, lowestRate, highestRate),
       impl_(std::make_unique<Impl>())
