@@ -14,6 +14,9 @@ using State = GrabBuffer::State;
 /// Beyond any run of the program, and far from the end of the clock.
 constexpr std::chrono::milliseconds longestWait = std::chrono::hours(24 * 365);
 
+/// More than any machine has: an address space may be promised that is not there.
+constexpr std::size_t maxBytes = std::size_t{1} << 40;
+
 std::size_t readyLimitOf(const GrabPlan& plan)
 {
     switch (plan.strategy) {
@@ -48,6 +51,7 @@ void GrabQueue::Prepare(const GrabPlan& plan)
     {
         const Lock lock(mutex_);
         try {
+            if (plan.bufferSize > maxBytes / plan.bufferCount) throw std::bad_alloc();
             Adopt(plan, lock);
         } catch (const std::bad_alloc&) {
             buffers_.clear();
