@@ -161,7 +161,10 @@ std::optional<FormulaNumber> ConverterFormulas::Increment() const
     const auto origin = variables_.TryEvaluate(from_, int64_t{0});
     if (!step || !origin) return std::nullopt;
     if (step->IsFloat() || origin->IsFloat()) return std::abs(step->AsFloat() - origin->AsFloat());
-    return std::abs(step->AsInteger() - origin->AsInteger());
+    int64_t difference = 0;
+    const auto [low, high] = std::minmax({step->AsInteger(), origin->AsInteger()});
+    if (__builtin_sub_overflow(high, low, &difference)) return std::nullopt;
+    return difference;
 }
 
 void CConverterNode::WriteFloat(double value)

@@ -1,4 +1,7 @@
 // Ports that read from a buffer's chunks and from events in place of a device, and ports that swap words.
+#include <atomic>
+#include <thread>
+
 #include "genicam/genapi/world.h"
 
 using namespace GenApiTest;
@@ -162,6 +165,35 @@ TEST(Chunks, ThatAreNoWholeRowAreRefused)
             }
         }
     }
+}
+
+TEST(Chunks, MayBeReadWhileAnotherThreadAttaches)
+{
+    ChunkWorld world;
+    const Bytes one = Chunks({{0xA1B2, {1, 1}}}, ByteOrder::LittleEndian);
+    const Bytes two = Chunks({{7, {9}}, {0xA1B2, {2, 2, 2}}}, ByteOrder::LittleEndian);
+    std::atomic<bool> done = false;
+    std::thread attacher([&] {
+        for (int i = 0; i < 500; ++i) {
+            const Bytes& buffer = i % 2 ? one : two;
+            world.chunks.AttachBuffer(buffer.data(), buffer.size(), ByteOrder::LittleEndian);
+            CEventAdapter(*world.map).DeliverEvent(1, buffer.data(), buffer.size());
+            if (i % 5 == 0) world.chunks.DetachBuffer();
+        }
+        done = true;
+    });
+    int wrong = 0;
+    while (!done) {
+        try {
+            const int64_t value = world.Read("Follower");
+            wrong += value != 0x0101 && value != 0x0202;
+        } catch (const AccessException&) {
+            // Nothing was attached just then.
+        }
+    }
+    attacher.join();
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(world.Read("Follower"), 0x0101);
 }
 
 TEST(Events, ReachTheirNodesAndPorts)
