@@ -35,9 +35,9 @@ struct Session
     std::deque<QueuedEvent> events;
 
     bool streaming = false;
-    bool delivering = false;  ///< A sink is being called.
+    bool delivering = false;             ///< A sink is being called.
     std::vector<SStreamBuffer> buffers;  ///< Few; those lent first come first.
-    std::uint64_t frames = 0;  ///< Taken since the stream was started, lost ones included.
+    std::uint64_t frames = 0;            ///< Taken since the stream was started, lost ones included.
 
     bool acquiring = false;
     std::uint64_t acquisition = 0;      ///< Counts starts, so that a new one is noticed.

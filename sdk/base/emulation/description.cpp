@@ -72,7 +72,7 @@ const char* kindName(EKind kind)
 
 const char* levelName(ELevel level)
 {
-    constexpr const char* names[] = {"Beginner", "Expert", "Guru", "Invisible"};
+    constexpr const char* names[] = {"Beginner", "Expert", "Invisible"};
     return names[static_cast<std::size_t>(level)];
 }
 
@@ -107,7 +107,7 @@ std::string limitsOf(const Feature& feature)
     const auto limit = [&](double value) {
         return feature.kind == EKind::Float ? text(value) : text(static_cast<std::int64_t>(value));
     };
-    return (feature.minNode ? element("pMin", feature.minNode) : element("Min", limit(feature.min))) +
+    return element("Min", limit(feature.min)) +
            (feature.maxNode ? element("pMax", feature.maxNode) : element("Max", limit(feature.max)));
 }
 
@@ -124,8 +124,9 @@ std::string selectedBy(const Feature& selector)
 bool isStreamable(const Placed& place)
 {
     const Feature& feature = *place.feature;
-    return place.category->isStandard && !feature.readOnly && !feature.isVolatile && feature.level != ELevel::Invisible &&
-           feature.kind != EKind::Command && feature.name != std::string_view("DeviceUserID");
+    return place.category->isStandard && !feature.readOnly && !feature.isVolatile &&
+           feature.level != ELevel::Invisible && feature.kind != EKind::Command &&
+           feature.name != std::string_view("DeviceUserID");
 }
 
 std::string featureNode(const Placed& place)
@@ -138,7 +139,7 @@ std::string featureNode(const Placed& place)
                        element("pValue", registerName(feature)) + limitsOf(feature) +
                        element("Unit", feature.unit) +
                        (feature.kind == EKind::Command ? element("CommandValue", "1") : "") +
-                       (feature.choices.empty() ? "" : selectedBy(feature)) + feature.xml;
+                       (feature.choices.empty() ? "" : selectedBy(feature));
     return node(kindName(feature.kind), feature.name, body, place.category->isStandard);
 }
 

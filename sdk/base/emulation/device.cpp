@@ -98,20 +98,27 @@ Device::~Device()
     Close();
 }
 
-void Device::Open(IDeviceListener& listener)
+void Device::CheckClosed() const
 {
-    std::array<GenApi::NodeMapPtr, mapCount> maps;
-    for (std::size_t i = 0; i < mapCount; ++i)
-        maps[i] = makerOf(static_cast<EMap>(i)).Make(camera_.Name());
     const Lock lock(camera_.mutex);
     if (session_.open) GENICAM_THROW(LogicalErrorException, "%s is already open.", camera_.Name().c_str());
     camera_.CheckConnectedLocked();
+}
+
+// Maps take their own lock before the camera's mutex, so they are connected without it.
+void Device::Open(IDeviceListener& listener)
+{
+    CheckClosed();
+    std::array<GenApi::NodeMapPtr, mapCount> maps;
     for (std::size_t i = 0; i < mapCount; ++i) {
+        maps[i] = makerOf(static_cast<EMap>(i)).Make(camera_.Name());
         maps[i]->Connect(&ports_[i], "Device");
-        maps_[i] = std::move(maps[i]);
     }
-    session_.open = true;
+    const Lock lock(camera_.mutex);
+    camera_.CheckConnectedLocked();
     eventThread_ = std::thread([this, &listener] { DeliverEvents(listener); });
+    maps_ = std::move(maps);
+    session_.open = true;
 }
 
 void Device::Close() noexcept
@@ -248,6 +255,7 @@ bool Device::RefreshSettings(Lock& lock)
     acquisition_ = session_.acquisition;
     settings_ = camera_.SettingsLocked();
     lock.unlock();
+    if (isNewAcquisition) maker_.ForgetFiles();
     maker_.Prepare(settings_);
     if (isNewAcquisition) pacer_.Restart();
     lock.lock();

@@ -66,6 +66,7 @@ private:
     static constexpr std::size_t mapCount = 3;
 
     GenApi::NodeMapPtr MapOf(EMap map) const;
+    void CheckClosed() const;
     void DeliverEvents(IDeviceListener& listener);
     void DeliverFrames(IStreamSink& sink);
     bool WaitForWork(Lock& lock);

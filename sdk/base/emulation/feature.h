@@ -30,7 +30,6 @@ enum class ELevel : std::uint8_t
 {
     Beginner,
     Expert,
-    Guru,
     Invisible
 };
 
@@ -57,10 +56,9 @@ struct Feature
     const char* text = "";  ///< Initial content of a Text.
     const char* unit = "";
     const char* selector = nullptr;   ///< One register for each entry of that enumeration.
-    const char* minNode = nullptr;    ///< Tells the minimum in place of `min`, which the register keeps.
-    const char* maxNode = nullptr;    ///< The same for the maximum.
+    const char* maxNode = nullptr;    ///< Tells the maximum in place of `max`, which the register keeps.
     const char* available = nullptr;  ///< A node that tells whether it can be used.
-    const char* xml = "";             ///< Node: its XML. Else further elements of the feature.
+    const char* xml = "";             ///< Of a Node.
     bool readOnly = false;
     bool isVolatile =
         false;            ///< The camera changes it by itself: never cached. Read-only ones and commands are so.

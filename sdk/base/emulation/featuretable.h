@@ -474,7 +474,6 @@ struct Placed
     std::uint32_t count = 0;  ///< Registers in a row.
 
     constexpr std::uint32_t ElementSize() const { return feature->kind == Text ? textSize : 8; }
-    constexpr bool IsReadOnly() const { return feature->readOnly; }
 };
 
 constexpr std::size_t featureCount()

@@ -84,6 +84,12 @@ void loseSecondHalf(SFrame& frame)
 
 }  // namespace
 
+void FrameMaker::ForgetFiles()
+{
+    for (PictureSource& source : sources_)
+        source.ForgetFiles();
+}
+
 void FrameMaker::Prepare(const FrameSettings& settings)
 {
     settings_ = settings;
@@ -118,7 +124,7 @@ SFrame FrameMaker::Make(const SStreamBuffer& buffer, const FrameFacts& facts)
     frame.blockId = facts.number;
     frame.timestamp = facts.timestamp;
     if (!ready_ || PayloadSize() > buffer.size) {
-        fail(frame, ready_ ? bufferTooSmall : unreadablePicture);
+        fail(frame, ready_ ? bufferTooSmall : noPictures);
         return frame;
     }
     const bool hasPictures = MakePictures(frame, facts);

@@ -23,6 +23,8 @@ struct FrameFacts
 class FrameMaker
 {
 public:
+    /// Looks at folders anew with the next Prepare.
+    void ForgetFiles();
     /// Gets pictures ready; that takes a while if they are others than before. If it fails, frames fail.
     void Prepare(const FrameSettings& settings);
     SFrame Make(const SStreamBuffer& buffer, const FrameFacts& facts);

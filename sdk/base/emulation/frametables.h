@@ -149,5 +149,6 @@ inline constexpr FrameFault frameFaults[] = {
 inline constexpr auto frameFaultChoices = choicesOf(frameFaults);
 inline constexpr FrameFault bufferTooSmall = {"", 0xE0000010, "The buffer is too small for the frame.", ""};
 inline constexpr FrameFault unreadablePicture = {"", 0xE0000011, "The picture file could not be read.", ""};
+inline constexpr FrameFault noPictures = {"", 0xE0000012, "The pictures could not be made ready.", ""};
 
 }  // namespace Nivex::Emulation

@@ -108,6 +108,11 @@ std::vector<std::string> PictureSource::PicturesOf(const std::string& folder)
     return files;
 }
 
+void PictureSource::ForgetFiles()
+{
+    if (settings_.fromFolder) scene_ = nullptr;
+}
+
 void PictureSource::Prepare(const PictureSettings& settings)
 {
     if (scene_ && settings == settings_) return;

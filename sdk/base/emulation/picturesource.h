@@ -40,6 +40,8 @@ struct PictureSettings
 class PictureSource
 {
 public:
+    /// Has the next Prepare look at the folder anew.
+    void ForgetFiles();
     /// Renders if the settings are others than before. Raises RuntimeException if a folder has no picture.
     void Prepare(const PictureSettings& settings);
     std::size_t PictureSize() const { return rowBytes_ * settings_.height; }

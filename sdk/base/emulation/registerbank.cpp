@@ -78,7 +78,7 @@ const Placed* rowAt(std::int64_t address)
 
 bool keepsContent(const Placed& place)
 {
-    return place.IsReadOnly() || place.feature->name == std::string_view("DeviceUserID") ||
+    return place.feature->readOnly || place.feature->name == std::string_view("DeviceUserID") ||
            place.category->map != EMap::Camera;
 }
 
@@ -171,7 +171,7 @@ Register RegisterBank::Write(const void* buffer, std::int64_t address, std::int6
     if (!row || (address - row->address) % row->ElementSize() != 0 || length != row->ElementSize())
         GENICAM_THROW(RuntimeException, "The camera has no register at 0x%llX that takes %lld bytes.",
                       static_cast<unsigned long long>(address), static_cast<long long>(length));
-    if (row->IsReadOnly())
+    if (row->feature->readOnly)
         GENICAM_THROW(RuntimeException, "The camera's register of %s is read-only.", row->feature->name);
     checkValue(*row->feature, buffer);
     std::memcpy(memory_.data() + (address - firstAddress), buffer, static_cast<std::size_t>(length));

@@ -248,6 +248,12 @@ TEST(Pictures, ComeFromAFolderOverAndOver)
         EXPECT_EQ(taken[i].frame.isComplete, i != 2);
     }
     EXPECT_STREQ(taken[2].frame.errorDescription, "The picture file could not be read.");
+    // Each start looks at the folder anew.
+    fs::remove(folder.path / "c.png");
+    folder.Save("a.PNG", {1, 2, 3});
+    const Taken third = world.Take(3).back();
+    EXPECT_TRUE(third.frame.isComplete);
+    EXPECT_EQ(Values(third)[2], 3U);
 }
 
 }  // namespace
