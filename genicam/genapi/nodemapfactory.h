@@ -10,9 +10,10 @@ namespace GenApi {
 /// Makes node maps from one register description (GenApi schema 1.0 and 1.1).
 ///
 /// Limits on descriptions, beyond which they are refused: 16 MiB of text, 64 levels of XML elements, chains of 256
-/// nodes that depend on each other, registers of 16 MiB. Registers longer than 4 KiB are never cached.
-/// Nodes of the kinds ConfRom, TextDesc, IntKey, AdvFeatureLock and SmartFeature stand in the map as not
-/// implemented (NI). All refusals are RuntimeExceptions that name the node, the line and the cause.
+/// nodes that depend on each other, registers of 16 MiB, formulas of 64 KiB that take 16384 steps, a million
+/// elements that entries take from their StructReg. Registers longer than 4 KiB are never cached. Nodes of the
+/// kinds ConfRom, TextDesc, IntKey, AdvFeatureLock and SmartFeature stand in the map as not implemented (NI). All
+/// refusals are RuntimeExceptions that name the node, the line and the cause.
 class GENICAM_API CNodeMapFactory
 {
 public:
