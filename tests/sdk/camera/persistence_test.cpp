@@ -32,9 +32,9 @@ std::string Description()
         Streamable("Boolean", "Flip", "<Value>1</Value><OnValue>1</OnValue><OffValue>0</OffValue>") +
         Streamable("String", "Label", "<Value>two words</Value>") +
         "<Enumeration Name=\"Channel\"><EnumEntry Name=\"Red\"><Value>0</Value></EnumEntry>"
-        "<EnumEntry Name=\"Blue\"><Value>1</Value></EnumEntry><Value>1</Value><pSelected>ChannelGain</pSelected>"
+        "<EnumEntry Name=\"Blue\"><Value>1</Value></EnumEntry><Value>0</Value><pSelected>ChannelGain</pSelected>"
         "<pSelected>Cell</pSelected></Enumeration>"
-        "<Integer Name=\"Index\"><Value>2</Value><Min>0</Min><Max>2</Max><pSelected>Cell</pSelected></Integer>"
+        "<Integer Name=\"Index\"><Value>1</Value><Min>0</Min><Max>2</Max><pSelected>Cell</pSelected></Integer>"
         "<IntSwissKnife Name=\"CellPlace\"><pVariable Name=\"C\">Channel</pVariable><pVariable Name=\"I\">Index"
         "</pVariable><Formula>C*3+I</Formula></IntSwissKnife>" +
         Cell("GainReg", "Channel", 100) + Cell("CellReg", "CellPlace", 200) +
@@ -83,11 +83,41 @@ TEST_F(Settings, AreSavedWithTheirSelectorsWalked)
     EXPECT_EQ(Save(),
               "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\n"
               "Width\t100\nOffsetX\t0\nExposure\t12.5\nFlip\t1\nLabel\ttwo words\n"
-              "Channel\tRed\nChannelGain\t0\nChannel\tBlue\nChannelGain\t7\n"
-              "Channel\tRed\nIndex\t0\nCell\t10\nIndex\t1\nCell\t11\nIndex\t2\nCell\t12\n"
-              "Channel\tBlue\nIndex\t0\nCell\t13\nIndex\t1\nCell\t14\nIndex\t2\nCell\t15\n");
-    EXPECT_EQ(Value("Channel"), "Blue");
-    EXPECT_EQ(Value("Index"), "2");
+              "Channel\tRed\nChannelGain\t0\nChannel\tBlue\nChannelGain\t7\nChannel\tRed\n"
+              "Channel\tRed\nIndex\t0\nCell\t10\nIndex\t1\nCell\t11\nIndex\t2\nCell\t12\nIndex\t1\n"
+              "Channel\tBlue\nIndex\t0\nCell\t13\nIndex\t1\nCell\t14\nIndex\t2\nCell\t15\nIndex\t1\n"
+              "Channel\tRed\n");
+    EXPECT_EQ(Value("Channel"), "Red");
+    EXPECT_EQ(Value("Index"), "1");
+}
+
+// What can't be saved is named, and the selectors are back in their places.
+TEST_F(Settings, RefusalsOfSavingNameTheFeature)
+{
+    const std::pair<const char*, std::function<void()>> rows[] = {
+        {"\"Label\" can't be saved: its text has more than one line",
+         [&] { dynamic_cast<GenApi::IValue&>(*map->GetNode("Label")).FromString("a\nb"); }},
+        {"\"ChannelGain\" can't be saved: The fake camera was removed",
+         [&] {
+             dynamic_cast<GenApi::IValue&>(*map->GetNode("Label")).FromString("a");
+             state->isRemoved = true;
+         }},
+    };
+    for (const auto& [part, prepare] : rows) {
+        prepare();
+        try {
+            Save();
+            ADD_FAILURE() << part;
+        } catch (const GenICam::RuntimeException& refusal) {
+            EXPECT_THAT(refusal.GetDescription(), testing::HasSubstr(part));
+        }
+        EXPECT_EQ(Value("Channel"), "Red");
+    }
+    map->Connect(nullptr);
+    map = MakeMap(FakeDescription("<Integer Name=\"Step\"><Value>5</Value><pSelected>Gain2</pSelected></Integer>" +
+                                  Streamable("Integer", "Gain2", "<Value>1</Value>")));
+    EXPECT_THROW(Save(), GenICam::RuntimeException);
+    EXPECT_EQ(Value("Step"), "5");
 }
 
 // Through a text, another camera gets the same settings; a width that the present offset forbids is no obstacle.
