@@ -53,7 +53,11 @@ Camera::Camera(const std::shared_ptr<Core::IResourcePool>& pool)
         own.parameters = std::make_unique<CameraParameters>(
             *this, own.nodeMap,
             CameraParameters::Limits{
-                .device = [&own] { return own.assignment.getMaxDevice(); },
+                .device =
+                    [&own] {
+                        own.updateDevicesIfChanged();
+                        return own.assignment.getMaxDevice();
+                    },
                 .deviceProperty = [&own] { return own.assignment.properties().maxIndex(); },
                 .eventPin = [&own] { return own.pins.getEventLines().maxIndex(); },
                 .chunkPin = [&own] { return own.pins.getChunkLines().maxIndex(); },
@@ -78,7 +82,7 @@ Camera::~Camera()
         Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
                               "Camera %p: Exception caught while the node was ended. Message: %s",
                               static_cast<const void*>(this), GenICam::describeCurrentException().c_str());
-        closeCamera();
+        closeCamera();  // Nothing where cleanup came so far.
     }
     impl_->camera.DeregisterImageEventHandler(this);
 }
@@ -226,34 +230,28 @@ void Camera::Impl::setStoppedOnlyAvailable(bool available, Notices& notices)
 
 void Camera::Impl::updateDevicesIfChanged()
 {
-    if (resourcesChanged->exchange(false)) assignment.updateDevices(pool);
+    if (!resourcesChanged->exchange(false)) return;
+    assignment.updateDevices(pool);
+    // Nobody asked for it here, so the observers are left alone; who reads gets the truth.
+    Notices unheard;
+    showDevices(unheard);
 }
 
 // Removal
 
 void Camera::handleCameraDeviceRemoval()
 {
-    edit([&](Notices& notices) {
+    giveUpCamera([this](Notices& notices) {
         Impl& own = *impl_;
         if (!own.deviceError) {
             own.deviceError = std::make_shared<Core::DeviceError>(
                 "Stagelet has stopped working because the camera has been disconnected.", Utils::DateTime::now());
             notices.newError = own.deviceError;
         }
-        own.dropCameraMaps(notices);
-        notices.nodeMapsChanged = true;
         own.showNoSelectedDevice(noDeviceSelected, false, notices);
         Utils::createLogEntry(Utils::SeverityRefused, cameraChannel(), "Camera %p: Device has been removed.",
                               static_cast<const void*>(this));
     });
-    closeCamera();
-}
-
-void Camera::closeCamera()
-{
-    const std::lock_guard closing(impl_->closingMutex);
-    impl_->camera.DetachDevice();
-    impl_->eventRegistrations.deregisterAll(impl_->camera);
 }
 
 }  // namespace Plugin::NivexStageletPackageBase

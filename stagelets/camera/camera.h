@@ -168,9 +168,13 @@ private:
 
     void holdCamera(std::unique_ptr<Nivex::INivexDevice> device, Notices& notices);
     void transferCfgSetActiveContentToCamera();
-    /// Gives the camera up. Waits for its handlers.
-    void closeCamera();
+    /// Takes the camera's node maps away, with `change` under the same lock, and then the camera. Waits for its
+    /// handlers.
+    void giveUpCamera(const std::function<void(Notices&)>& change);
+    void closeCamera() noexcept;
     void startGrabbing();
+    /// Waits for handlers, whatever it raises.
+    void endGrabbing();
     void putOutResult(const Nivex::CGrabResultPtr& result,
                       std::shared_ptr<Nivex::DataProcessing::Core::IGraphUpdate>& update);
     void putOutEventValue(const GenICam::gcstring& pinName, Nivex::DataProcessing::Utils::Variant value);

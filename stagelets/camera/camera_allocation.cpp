@@ -73,11 +73,7 @@ void Camera::allocateAdditionalResources(const std::shared_ptr<Core::IResourcePo
         });
         guarded(furtherAllocation, this, [&] { AdvancedNode::allocateAdditionalResources(pool, mayRefresh); });
     } catch (...) {
-        edit([&](Notices& notices) {
-            impl_->dropCameraMaps(notices);
-            impl_->showNoSelectedDevice(noDeviceListed, true, notices);
-        });
-        closeCamera();
+        giveUpCamera([this](Notices& notices) { impl_->showNoSelectedDevice(noDeviceListed, true, notices); });
         throw;
     }
 }
@@ -117,14 +113,38 @@ Nivex::CDeviceInfo Camera::getCameraDeviceData() const
 void Camera::freeAdditionalResources(bool final)
 {
     waitForRemoval();
-    edit([&](Notices& notices) {
-        impl_->dropCameraMaps(notices);
-        impl_->showNoSelectedDevice(noDeviceListed, true, notices);
-    });
-    closeCamera();
+    giveUpCamera([this](Notices& notices) { impl_->showNoSelectedDevice(noDeviceListed, true, notices); });
     // A removal that was noticed between the two is of the camera just given up.
     waitForRemoval();
     AdvancedNode::freeAdditionalResources(final);
+}
+
+void Camera::giveUpCamera(const std::function<void(Notices&)>& change)
+{
+    // Whatever observers do, the camera has to be free for others.
+    struct Closing
+    {
+        Camera& node;
+        ~Closing() { node.closeCamera(); }
+    };
+    const Closing closing{*this};
+    edit([&](Notices& notices) {
+        impl_->dropCameraMaps(notices);
+        change(notices);
+    });
+}
+
+void Camera::closeCamera() noexcept
+{
+    const std::lock_guard closing(impl_->closingMutex);
+    try {
+        impl_->camera.DetachDevice();
+        impl_->eventRegistrations.deregisterAll(impl_->camera);
+    } catch (...) {
+        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                              "Camera %p: Exception caught while closing the camera. Message: %s",
+                              static_cast<const void*>(this), GenICam::describeCurrentException().c_str());
+    }
 }
 
 }  // namespace Plugin::NivexStageletPackageBase

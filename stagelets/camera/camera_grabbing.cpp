@@ -42,24 +42,24 @@ void Camera::onStarting(const Core::NodeArgumentCollection& arguments)
                                   static_cast<const void*>(this));
         }
     }
-    edit([&](Notices& notices) {
-        Impl& own = *impl_;
-        if (!own.isCameraHeld()) {
-            const gcstring text = own.deviceError ? own.deviceError->getDescription() : "No camera is allocated.";
-            CAMERA_REFUSE(RuntimeException, this, "onStarting", text.c_str());
-        }
-        own.setStoppedOnlyAvailable(false, notices);
-        own.frameGaps.restart(1);
-        own.discardedBefore = own.camera.GetNumberOfDiscardedResults();
-        own.eventGate.open();
-        try {
+    try {
+        edit([&](Notices& notices) {
+            Impl& own = *impl_;
+            if (!own.isCameraHeld()) {
+                const gcstring text =
+                    own.deviceError ? own.deviceError->getDescription() : gcstring("No camera is allocated.");
+                CAMERA_REFUSE(RuntimeException, this, "onStarting", text.c_str());
+            }
+            own.setStoppedOnlyAvailable(false, notices);
+            own.frameGaps.restart(1);
+            own.discardedBefore = own.camera.GetNumberOfDiscardedResults();
+            own.eventGate.open();
             startGrabbing();
-        } catch (...) {
-            own.eventGate.close();
-            own.setStoppedOnlyAvailable(true, notices);
-            throw;
-        }
-    });
+        });
+    } catch (...) {
+        endGrabbing();
+        throw;
+    }
 }
 
 void Camera::startGrabbing()
@@ -81,24 +81,39 @@ void Camera::startGrabbing()
     GENICAM_THROW(RuntimeException, "Couldn't determine acquisition mode.");
 }
 
-void Camera::onStopping()
+void Camera::endGrabbing()
 {
-    Impl& own = *impl_;
     std::exception_ptr failure;
-    edit([&](Notices& notices) {
-        own.eventGate.close();
+    const auto attempt = [&failure](const auto& step) {
         try {
-            own.camera.StopGrabbing();
+            step();
         } catch (...) {
-            failure = std::current_exception();
+            if (!failure) failure = std::current_exception();
         }
-        own.setStoppedOnlyAvailable(true, notices);
+    };
+    Impl& own = *impl_;
+    attempt([&] {
+        edit([&](Notices& notices) {
+            own.eventGate.close();
+            attempt([&own] { own.camera.StopGrabbing(); });
+            own.setStoppedOnlyAvailable(true, notices);
+        });
     });
     // Handlers take the node's lock.
     own.camera.WaitForGrabLoop();
     own.eventGate.wait();
-    countDiscardedResults();
     if (failure) std::rethrow_exception(failure);
+}
+
+void Camera::onStopping()
+{
+    try {
+        endGrabbing();
+    } catch (...) {
+        countDiscardedResults();
+        throw;
+    }
+    countDiscardedResults();
 }
 
 void Camera::countDiscardedResults()

@@ -77,6 +77,7 @@ void Camera::executeDeviceListUpdate()
 unsigned long Camera::getDeviceSelector() const
 {
     const Guard guard(*getLock());
+    impl_->updateDevicesIfChanged();
     return impl_->assignment.getSelectedDevice();
 }
 
@@ -98,6 +99,7 @@ void Camera::executeDeviceChoose()
     Core::ResourceInfo device;
     {
         const Guard guard(*getLock());
+        impl_->updateDevicesIfChanged();
         const Core::ResourceInfo* selected = impl_->assignment.getSelectedInfo();
         if (!selected) {
             CAMERA_REFUSE(RuntimeException, this, "executeDeviceChoose",

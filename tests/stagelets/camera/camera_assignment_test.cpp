@@ -203,6 +203,14 @@ TEST_F(CameraAssignment, ChoosesListedCamerasAndFindsThemAgain)
               "No suitable camera found to allocate.");
     EXPECT_EQ(refusal<GenICam::RuntimeException>([&] { third.start({}); }), "No camera is allocated.");
 
+    // What another node finds is there for all; who selected a camera keeps it.
+    EXPECT_EQ(get(node, "@Stagelet", "DeviceSelector"), "1");
+    two->Unplug(firstSerial);
+    third.executeDeviceListUpdate();
+    EXPECT_EQ(get(node, "@Stagelet", "DeviceSelector"), "0");
+    EXPECT_EQ(get(node, "@Stagelet", "DeviceSerialNumber"), "0815-0001");
+    two->Plug(firstSerial);
+
     other.freeResources();
     third.executeDevicePropertyRemove();
     third.allocateResources();

@@ -234,6 +234,29 @@ TEST_F(CameraLife, RemovalMeetsStopFreeAndDestruction)
     EXPECT_TRUE(cameras->IsDeviceAccessible(cameras->EnumerateDevices().front()));
 }
 
+// Neither in the middle of a start nor of a removal may an observer that throws leave the camera taken.
+TEST_F(CameraLife, ObserversThatThrowKeepNothingFromItsEnd)
+{
+    const auto throwing = std::make_shared<std::atomic<bool>>(true);
+    const auto raise = [throwing](GenApi::INode*) {
+        if (*throwing) GENICAM_THROW(RuntimeException, "No!");
+    };
+    Camera node(pool);
+    map(node).GetNode("SelectedDeviceModelName")->RegisterCallback(raise);
+    EXPECT_EQ(refusal<GenICam::RuntimeException>([&] { node.allocateResources(); }), "No!");
+    EXPECT_FALSE(isHeld(node));
+    Camera other(pool);
+    other.allocateResources();
+    map(other).GetNode("SelectedDeviceModelName")->RegisterCallback(raise);
+    map(other).GetNode("DeviceSelector")->RegisterCallback(raise);
+    EXPECT_EQ(refusal<GenICam::RuntimeException>([&] { other.start({}); }), "No!");
+    EXPECT_EQ(other.getState(), Core::NodeState::Stopped);
+    EXPECT_TRUE(GenApi::IsAvailable(map(other).GetNode("DeviceSelector")));
+    unplug(other);
+    EXPECT_THAT(errors(other), ElementsAre(disconnected));
+    *throwing = false;
+}
+
 // The camera goes while the node is busy configuring it.
 TEST_F(CameraLife, RemovalDuringAllocation)
 {
