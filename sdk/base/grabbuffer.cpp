@@ -34,7 +34,8 @@ public:
 
     T* allocate(std::size_t)
     {
-        static_assert(sizeof(T) <= sizeof(GrabBuffer::control_) && alignof(T) <= alignof(std::max_align_t));
+        static_assert(sizeof(T) <= sizeof(GrabBuffer::control_));
+        static_assert(alignof(T) <= alignof(std::max_align_t));
         return reinterpret_cast<T*>(buffer_->control_.data());
     }
     void deallocate(T*, std::size_t) noexcept { queue_->GiveBack(*buffer_); }

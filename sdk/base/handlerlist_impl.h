@@ -83,7 +83,7 @@ template <typename Handler>
 auto HandlerList<Handler>::Remove(const Handler* handler, const GenICam::gcstring& nodeName) -> Pointer
 {
     std::unique_lock lock(mutex_);
-    const Pointer removed = Find(handler, &nodeName);
+    Pointer removed = Find(handler, &nodeName);
     if (!removed) return nullptr;
     auto shorter = std::make_shared<Registrations>(*registrations_);
     std::erase(*shorter, removed);
@@ -96,7 +96,7 @@ template <typename Handler>
 auto HandlerList<Handler>::RemoveAll() -> std::vector<Pointer>
 {
     std::unique_lock lock(mutex_);
-    const Registrations removed = *registrations_;
+    Registrations removed = *registrations_;
     registrations_ = std::make_shared<const Registrations>();
     for (const Pointer& registration : removed)
         Withdraw(*registration, lock);
