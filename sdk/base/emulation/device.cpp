@@ -223,8 +223,10 @@ void Device::DeliverEvents(IDeviceListener& listener)
 void Device::DeliverFrames(IStreamSink& sink)
 {
     Lock lock(camera_.mutex);
-    while (WaitForWork(lock))
-        if (!RefreshSettings(lock)) TakeFrame(lock, sink);
+    while (WaitForWork(lock)) {
+        RefreshSettings(lock);
+        if (IsAcquiringLocked()) TakeFrame(lock, sink);
+    }
 }
 
 bool Device::IsStreamUpLocked() const
@@ -237,6 +239,12 @@ bool Device::IsAcquiringLocked() const
     return IsStreamUpLocked() && session_.acquiring;
 }
 
+// A wait for the next frame is over when its time may have changed.
+bool Device::IsUnchangedLocked() const
+{
+    return IsAcquiringLocked() && revision_ == camera_.bank.Revision() && acquisition_ == session_.acquisition;
+}
+
 bool Device::WaitForWork(Lock& lock)
 {
     camera_.changed.wait(lock, [this] {
@@ -246,11 +254,11 @@ bool Device::WaitForWork(Lock& lock)
     return IsStreamUpLocked();
 }
 
-// True if pictures were made, meanwhile without the lock: all must be looked at anew then.
-bool Device::RefreshSettings(Lock& lock)
+// Gives the lock back while pictures are made. What is written meanwhile counts from the next frame on.
+void Device::RefreshSettings(Lock& lock)
 {
     const bool isNewAcquisition = acquisition_ != session_.acquisition;
-    if (!isNewAcquisition && revision_ == camera_.bank.Revision()) return false;
+    if (!isNewAcquisition && revision_ == camera_.bank.Revision()) return;
     revision_ = camera_.bank.Revision();
     acquisition_ = session_.acquisition;
     settings_ = camera_.SettingsLocked();
@@ -259,43 +267,59 @@ bool Device::RefreshSettings(Lock& lock)
     maker_.Prepare(settings_);
     if (isNewAcquisition) pacer_.Restart();
     lock.lock();
-    return true;
 }
 
 // False if something else ended the wait.
-bool Device::WaitUntilLocked(Lock& lock, Clock::time_point time, bool (Device::*goesOn)() const)
+bool Device::WaitUntil(Lock& lock, Clock::time_point time, bool (Device::*goesOn)() const)
 {
-    if (time > Clock::now()) camera_.changed.wait_until(lock, time, [&] { return !(this->*goesOn)(); });
-    return (this->*goesOn)();
+    return time <= Clock::now() || !camera_.changed.wait_until(lock, time, [&] { return !(this->*goesOn)(); });
+}
+
+// As fast as it can means that buffers are waited for.
+bool Device::WaitForBuffer(Lock& lock)
+{
+    camera_.changed.wait(lock, [this] { return !session_.buffers.empty() || !IsUnchangedLocked(); });
+    return !session_.buffers.empty() && IsAcquiringLocked();
+}
+
+// Waits for the begin of the next exposure; none if something else comes first.
+std::optional<Clock::time_point> Device::BeginExposure(Lock& lock)
+{
+    const Pacer::Terms terms = {settings_.frameRate, settings_.exposure, settings_.waitsForTrigger};
+    if (terms.triggered && session_.triggers == 0) return std::nullopt;
+    if (!terms.rate && !WaitForBuffer(lock)) return std::nullopt;
+    const Clock::time_point start = pacer_.Next(Clock::now(), terms);
+    if (!WaitUntil(lock, start, &Device::IsUnchangedLocked) || !IsAcquiringLocked()) return std::nullopt;
+    pacer_.Take(start, terms);
+    if (terms.triggered && session_.triggers > 0) --session_.triggers;
+    return start;
 }
 
 void Device::TakeFrame(Lock& lock, IStreamSink& sink)
 {
-    const bool triggered = settings_.waitsForTrigger;
-    const Clock::time_point now = Clock::now();
-    const Clock::time_point start = pacer_.Next(now, settings_.frameRate, settings_.exposure, triggered);
-    if (triggered && session_.triggers > 0) --session_.triggers;
-    if (!WaitUntilLocked(lock, start, &Device::IsAcquiringLocked)) return;
-
-    const FrameFacts facts = {++session_.frames, camera_.TimeLocked(start)};
+    const auto start = BeginExposure(lock);
+    if (!start) return;
+    const FrameFacts facts = {++session_.frames, camera_.TimeLocked(*start)};
     camera_.SendEventLocked(eventNamed("FrameStart"), facts.timestamp, facts.number);
-    // As fast as it can means that the exposure takes no time, and that buffers are waited for.
-    const Clock::time_point end = settings_.frameRate ? start + settings_.exposure : start;
-    if (!WaitUntilLocked(lock, end, &Device::IsStreamUpLocked)) return;
+    // Nor does the exposure take time then.
+    const Clock::time_point end = settings_.frameRate ? *start + settings_.exposure : *start;
+    if (!WaitUntil(lock, end, &Device::IsStreamUpLocked)) return;
     camera_.SendEventLocked(eventNamed("ExposureEnd"), camera_.TimeLocked(end), facts.number);
     camera_.bank.SetInteger("LineStatusAll"_reg, static_cast<std::int64_t>(lineStatus(facts.number)));
 
-    const bool isLost = IsLostOnDemand(facts.number) || now > end + lagLimit;
-    if (!isLost && !settings_.frameRate)
-        camera_.changed.wait(lock, [this] { return !session_.buffers.empty() || !IsAcquiringLocked(); });
     if (!IsStreamUpLocked()) return;
     // Who gets the last frame may start the next acquisition at once.
     if (session_.toGo && --*session_.toGo == 0) camera_.StopAcquisitionLocked();
-    if (isLost || session_.buffers.empty())
+    if (session_.buffers.empty() || IsLostOnDemand(facts.number) || IsTooLate(end))
         camera_.bank.Add("StreamLostFrameCount"_reg, 1);
     else
         Deliver(lock, sink, facts);
     UnplugOnDemandLocked();
+}
+
+bool Device::IsTooLate(Clock::time_point end) const
+{
+    return settings_.frameRate && Clock::now() > end + lagLimit;
 }
 
 bool Device::IsLostOnDemand(std::uint64_t number) const

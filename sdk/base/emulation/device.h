@@ -71,10 +71,14 @@ private:
     void DeliverFrames(IStreamSink& sink);
     bool WaitForWork(Lock& lock);
     bool IsStreamUpLocked() const;
-    bool WaitUntilLocked(Lock& lock, Clock::time_point time, bool (Device::*goesOn)() const);
+    bool WaitUntil(Lock& lock, Clock::time_point time, bool (Device::*goesOn)() const);
     bool IsAcquiringLocked() const;
-    bool RefreshSettings(Lock& lock);
+    bool IsUnchangedLocked() const;
+    void RefreshSettings(Lock& lock);
+    bool WaitForBuffer(Lock& lock);
+    std::optional<Clock::time_point> BeginExposure(Lock& lock);
     void TakeFrame(Lock& lock, IStreamSink& sink);
+    bool IsTooLate(Clock::time_point end) const;
     bool IsLostOnDemand(std::uint64_t number) const;
     void Deliver(Lock& lock, IStreamSink& sink, const FrameFacts& facts);
     void UnplugOnDemandLocked();

@@ -77,6 +77,7 @@ TEST(Stream, KeepsTheFrameRateByItsClock)
 TEST(Stream, PacesByTable)
 {
     using Clock = Emulation::Pacer::Clock;
+    using Terms = Emulation::Pacer::Terms;
     using std::chrono::microseconds;
     using std::chrono::milliseconds;
     struct Row
@@ -102,18 +103,33 @@ TEST(Stream, PacesByTable)
     for (const Row& row : rows) {
         Emulation::Pacer pacer;
         const Clock::time_point zero = Clock::now();
-        for (std::size_t i = 0; i < row.now.size(); ++i)
-            EXPECT_EQ(pacer.Next(zero + milliseconds(row.now[i]), row.rate, row.exposure, row.triggered) - zero,
-                      milliseconds(row.expected[i]))
-                << row.what << ", " << i;
+        const Terms terms{row.rate, row.exposure, row.triggered};
+        for (std::size_t i = 0; i < row.now.size(); ++i) {
+            const Clock::time_point start = pacer.Next(zero + milliseconds(row.now[i]), terms);
+            EXPECT_EQ(start - zero, milliseconds(row.expected[i])) << row.what << ", " << i;
+            pacer.Take(start, terms);
+        }
     }
     Emulation::Pacer pacer;
     const Clock::time_point zero = Clock::now();
-    pacer.Next(zero, 100, {}, false);
-    pacer.Next(zero, 100, {}, false);
-    EXPECT_EQ(pacer.Next(zero, 50, {}, false) - zero, milliseconds(30)) << "a new rate counts from the last frame";
+    pacer.Take(zero, {0.01, {}, false});
+    EXPECT_EQ(pacer.Next(zero, {0.01, {}, false}) - zero, milliseconds(100000));
+    EXPECT_EQ(pacer.Next(zero, {50, {}, false}) - zero, milliseconds(20))
+        << "a new rate counts from the last frame";
     pacer.Restart();
-    EXPECT_EQ(pacer.Next(zero, 50, {}, false), zero);
+    EXPECT_EQ(pacer.Next(zero, {50, {}, false}), zero);
+}
+
+TEST(Stream, FollowsANewRateWhileItWaits)
+{
+    World world({{"AcquisitionFrameRate", "0.01"}, {"ExposureTime", "10"}});
+    Sink sink;
+    sink.GiveBuffersBackTo(*world.device);
+    world.Start(sink);
+    sink.WaitFor(1);
+    world.Apply({{"AcquisitionFrameRate", "1000"}});
+    sink.WaitFor(5);
+    world.device->StopStream();
 }
 
 TEST(Stream, WaitsForTriggers)
