@@ -239,15 +239,19 @@ void Camera::Impl::updateDevicesIfChanged()
 
 // Removal
 
+void Camera::Impl::keepDeviceError(Notices& notices)
+{
+    if (deviceError) return;
+    deviceError = std::make_shared<Core::DeviceError>(
+        "Stagelet has stopped working because the camera has been disconnected.", Utils::DateTime::now());
+    notices.newError = deviceError;
+}
+
 void Camera::handleCameraDeviceRemoval()
 {
     giveUpCamera([this](Notices& notices) {
         Impl& own = *impl_;
-        if (!own.deviceError) {
-            own.deviceError = std::make_shared<Core::DeviceError>(
-                "Stagelet has stopped working because the camera has been disconnected.", Utils::DateTime::now());
-            notices.newError = own.deviceError;
-        }
+        own.keepDeviceError(notices);
         own.showNoSelectedDevice(noDeviceSelected, false, notices);
         Utils::createLogEntry(Utils::SeverityRefused, cameraChannel(), "Camera %p: Device has been removed.",
                               static_cast<const void*>(this));

@@ -57,6 +57,10 @@ void Camera::onStarting(const Core::NodeArgumentCollection& arguments)
             startGrabbing();
         });
     } catch (...) {
+        // The job that deals with a removal may come later than the failure that it caused.
+        if (impl_->camera.IsCameraDeviceRemoved()) {
+            edit([this](Notices& notices) { impl_->keepDeviceError(notices); });
+        }
         endGrabbing();
         throw;
     }

@@ -106,6 +106,8 @@ struct Camera::Impl
     void showNoSelectedDevice(const char* text, bool available, Notices& notices);
     void setStoppedOnlyAvailable(bool available, Notices& notices);
     void dropCameraMaps(Notices& notices);
+    /// Makes the error of a removal, unless there is one.
+    void keepDeviceError(Notices& notices);
     /// Takes over the pool's list of cameras if that has changed.
     void updateDevicesIfChanged();
 

@@ -257,6 +257,20 @@ TEST_F(CameraLife, ObserversThatThrowKeepNothingFromItsEnd)
     *throwing = false;
 }
 
+// The start fails because the camera is gone, before the node has heard of it.
+TEST_F(CameraLife, AStartThatMeetsARemovalHasItsError)
+{
+    const auto backend = std::make_shared<FakeBackend>();
+    Camera node(std::make_shared<Runtime::ResourcePool>(2, Runtime::ResourcePool::CameraBackends{backend}));
+    node.allocateResources();
+    backend->state->isRemoved = true;
+    EXPECT_THROW(node.start({}), GenICam::GenericException);
+    EXPECT_THAT(errors(node), ElementsAre(disconnected));
+    backend->device->Remove();
+    await([&] { return !isHeld(node); });
+    EXPECT_THAT(errors(node), ElementsAre(disconnected));
+}
+
 // The camera goes while the node is busy configuring it.
 TEST_F(CameraLife, RemovalDuringAllocation)
 {
