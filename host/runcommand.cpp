@@ -200,13 +200,27 @@ bool hasNodeError(const Graph& graph)
                        [&graph](const std::string& name) { return graph.findNode(name)->hasError(); });
 }
 
+/// The same, for after a failure. That a camera is gone is told on a thread of its own, maybe a moment after the
+/// failure that comes of it.
+bool hasNodeErrorSoon(const LoadedRecipe& recipe)
+{
+    const bool usesDevices = std::any_of(recipe.resources.begin(), recipe.resources.end(),
+                                         [](const auto& entry) { return entry.second->usesDevices(); });
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(usesDevices ? 300 : 0);
+    while (!hasNodeError(*recipe.graph)) {
+        if (std::chrono::steady_clock::now() >= end) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
 void setLateParameters(const LoadedRecipe& recipe, const RunOptions& options)
 {
     FaultList faults;
     FaultList assignmentFaults;
     applyPending(recipe, faults, assignmentFaults);
     // A camera that was lost refuses everything, which is no fault of the recipe.
-    if (hasNodeError(*recipe.graph)) return;
+    if ((!faults.empty() || !assignmentFaults.empty()) && hasNodeErrorSoon(recipe)) return;
     requireNoFaults(options.recipe, faults);
     requireNoFaults(assignmentFaults);
 }
@@ -236,7 +250,7 @@ bool startRecipe(LoadedRecipe& recipe, const RunOptions& options)
         recipe.graph->start(recipe.startArguments);
         return true;
     } catch (const Runtime::NodeFailure& failure) {
-        if (failure.getStage() == Runtime::NodeFailure::Stage::Start && hasNodeError(*recipe.graph)) return false;
+        if (failure.getStage() == Runtime::NodeFailure::Stage::Start && hasNodeErrorSoon(recipe)) return false;
         refuseStart(recipe, options, failure);
     }
 }
