@@ -114,7 +114,6 @@ struct Camera::Impl
     const std::shared_ptr<Nivex::DataProcessing::Core::IResourcePool> pool;
     /// Set by the pool's signal, which may come while others hold locks of nodes: so that is all it does.
     const std::shared_ptr<std::atomic<bool>> resourcesChanged = std::make_shared<std::atomic<bool>>(false);
-    StageletNodeMapBase nodeMap;
     Nivex::CInstantCamera camera;
     GrabbedImageBuilder imageBuilder;
     EventOutput eventOutput;
@@ -137,6 +136,9 @@ struct Camera::Impl
     // Set while nothing is grabbed; then used by the grab thread alone.
     FrameGapCounter frameGaps;
     std::uint64_t discardedBefore = 0;  ///< Of earlier runs.
+
+    /// Last, so that it goes first: clients of the map then find no port that leads to what is gone.
+    StageletNodeMapBase nodeMap;
 };
 
 }  // namespace Plugin::NivexStageletPackageBase

@@ -1,9 +1,11 @@
 // Images, chunks and events on their way from the camera to the recipe, and the account of what was lost.
 #include <atomic>
 #include <future>
+#include <optional>
 #include <thread>
 
 #include "cameranodetest.h"
+#include "core/inodehost.h"
 #include "fakecamera.h"
 
 namespace Plugin::NivexStageletPackageBase::Test {
@@ -202,6 +204,77 @@ TEST_F(CameraGrabbing, ChunksTravelWithTheirImageAndEventsAlone)
     EXPECT_EQ(logged(GenICam::formatText("Camera %p: Failed to get chunk data value for \"Number\" pin.",
                                          static_cast<const void*>(&node))),
               1U);
+}
+
+// Whatever goes wrong with a result ends that result only, and is counted.
+TEST_F(CameraGrabbing, ExceptionsCostTheirResultOnly)
+{
+    struct Host : Core::INodeHost
+    {
+        struct Update : Core::IGraphUpdate
+        {
+            std::uint64_t getSequenceNumber() const override { return 0; }
+            std::shared_ptr<IGraphUpdate> getParent() const override { return nullptr; }
+        };
+        bool waitUntilSpaceAvailable(Core::NodeBase&) override
+        {
+            raise();
+            return true;
+        }
+        std::shared_ptr<Core::IGraphUpdate> createUpdate(Core::NodeBase&,
+                                                         const std::shared_ptr<Core::IGraphUpdate>&, bool) override
+        {
+            if (failsToCreate.exchange(false)) GENICAM_THROW(RuntimeException, "no update");
+            return std::make_shared<Update>();
+        }
+        void submit(Core::NodeBase&, const std::shared_ptr<Core::IGraphUpdate>&, Core::PinValues&&,
+                    std::function<void()>) override
+        {
+            ++submitted;
+        }
+        void reportLoss(Core::NodeBase&, Core::LossCause cause, const Core::IGraphUpdate*) override
+        {
+            lost = cause;
+        }
+        void reportMissed(Core::NodeBase&, Core::LossCause, std::uint64_t) override {}
+        void reportSent(Core::NodeBase&) override {}
+        void reportRecorded(Core::NodeBase&, std::uint64_t, std::uint64_t) override {}
+
+        std::function<void()> raise = [] {};
+        std::atomic<bool> failsToCreate = false;
+        std::atomic<int> submitted = 0;
+        std::optional<Core::LossCause> lost;
+    };
+    Host host;
+    node.attachHost(&host);
+    start();
+    struct Row
+    {
+        std::function<void()> raise;
+        const char* text;
+    };
+    const Row rows[] = {
+        {[] { GENICAM_THROW(RuntimeException, "one"); }, "Exception caught while grabbing an image. Message: one"},
+        {[] { throw std::runtime_error("two"); }, "Exception caught while grabbing an image. Message: two"},
+        {[] { throw 3; }, "Unknown exception caught while grabbing an image."},
+    };
+    for (const Row& row : rows) {
+        host.raise = row.raise;
+        device().PushFrame();
+        const std::string text = GenICam::formatText("Camera %p: %s", static_cast<const void*>(&node), row.text);
+        await([&] { return logged(text) == 1; });
+        EXPECT_FALSE(host.lost) << "an update that was made is counted by the host as it goes";
+        node.stop();  // so that the grab thread has let go of the hook
+        node.start({});
+    }
+    host.raise = [] {};
+    host.failsToCreate = true;
+    device().PushFrame();
+    device().PushFrame();
+    await([&] { return host.submitted == 1; });
+    EXPECT_EQ(host.lost, Core::LossCause::SourceFailed);
+    node.stop();
+    node.attachHost(nullptr);
 }
 
 TEST_F(CameraGrabbing, AStartThatFailsLeavesTheNodeStoppedAndUsable)
