@@ -252,6 +252,7 @@ void Camera::handleCameraDeviceRemoval()
     giveUpCamera([this](Notices& notices) {
         Impl& own = *impl_;
         own.keepDeviceError(notices);
+        notices.nodeMapsChanged = true;  // also if there were none to drop: listeners look at the node anew
         own.showNoSelectedDevice(noDeviceSelected, false, notices);
         Utils::createLogEntry(Utils::SeverityRefused, cameraChannel(), "Camera %p: Device has been removed.",
                               static_cast<const void*>(this));

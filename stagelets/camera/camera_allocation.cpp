@@ -6,7 +6,6 @@ namespace Plugin::NivexStageletPackageBase {
 namespace Core = Nivex::DataProcessing::Core;
 namespace Utils = Nivex::DataProcessing::Utils;
 using namespace CameraDetail;
-using GenICam::gcstring;
 
 namespace {
 
