@@ -41,7 +41,7 @@ const gcstring& ConfigurationSets::getActive(const gcstring& identifier) const
     return textOf(active_, identifier);
 }
 
-gcstring ConfigurationSets::normalised(const gcstring& text, const char* operation) const
+gcstring ConfigurationSets::modifyCfgSetStagedContent(const gcstring& text, const char* operation) const
 {
     std::optional<gcstring> result = normaliseFeatureStream(text.view());
     if (!result) CAMERA_REFUSE(RuntimeException, node_, operation, invalidText);
@@ -50,7 +50,7 @@ gcstring ConfigurationSets::normalised(const gcstring& text, const char* operati
 
 void ConfigurationSets::setStaged(const gcstring& identifier, const gcstring& text)
 {
-    staged_[identifier] = normalised(text, "setCfgSetStagedContent");
+    staged_[identifier] = modifyCfgSetStagedContent(text, "setCfgSetStagedContent");
 }
 
 void ConfigurationSets::fetch(const gcstring& identifier, const Save& save)
@@ -77,7 +77,7 @@ void ConfigurationSets::fetch(const gcstring& identifier, const Save& save)
 
 void ConfigurationSets::commit(const gcstring& identifier, const Load& load)
 {
-    const gcstring text = normalised(getStaged(identifier), "executeCfgSetCommit");
+    const gcstring text = modifyCfgSetStagedContent(getStaged(identifier), "executeCfgSetCommit");
     if (load) transfer(identifier, text, load);
     staged_[identifier] = text;
     active_[identifier] = text;

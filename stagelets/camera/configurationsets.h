@@ -56,7 +56,7 @@ public:
     void setActiveTexts(Texts texts) { active_ = std::move(texts); }
 
 private:
-    GenICam::gcstring normalised(const GenICam::gcstring& text, const char* operation) const;
+    GenICam::gcstring modifyCfgSetStagedContent(const GenICam::gcstring& text, const char* operation) const;
     void transfer(const GenICam::gcstring& identifier, const GenICam::gcstring& text, const Load& load) const;
 
     const void* node_;
