@@ -426,10 +426,10 @@ void Scheduler::drop(Update& update)
     Lane& lane = update.source;
     --lane.openUpdates;
     const auto failure = update.failure.load();
-    const LossCause cause = lane.refusedSpace ? LossCause::NoSpace
-                            : failure >= 0    ? static_cast<LossCause>(failure)
-                                              : LossCause::SourceFailed;
-    if (failure != static_cast<int>(cause)) raise(lane.lost[static_cast<std::size_t>(cause)]);
+    const LossCause cause = failure >= 0        ? static_cast<LossCause>(failure)
+                            : lane.refusedSpace ? LossCause::NoSpace
+                                                : LossCause::SourceFailed;
+    if (failure < 0) raise(lane.lost[static_cast<std::size_t>(cause)]);
     ledger_.settle(cause);
     touch();
     if (limitCallback_ && isLimitSettled()) limitCallback_();

@@ -86,16 +86,19 @@ TEST(Ledger, UpdatesThatNeverStartAndFramesThatNeverCameAreCounted)
     source.reportMissed(LossCause::FramesMissed, 5);
     source.reportLoss(LossCause::LoadFailed);
     auto inHand = source.makeUpdate();
-    EXPECT_EQ(graph.getStatistics().inFlight, 1U);
+    auto failedInHand = source.makeUpdate();
+    source.reportLoss(LossCause::GrabFailed, failedInHand.get());
+    EXPECT_EQ(graph.getStatistics().inFlight, 2U);
     graph.stop();
     EXPECT_FALSE(source.waitUntilSpaceAvailable());
     inHand.reset();
+    failedInHand.reset();
 
     const auto statistics = graph.getStatistics();
-    EXPECT_EQ(statistics.offered, 9U);
+    EXPECT_EQ(statistics.offered, 10U);
     EXPECT_EQ(statistics.finished, 0U);
     const std::pair<LossCause, std::uint64_t> wanted[] = {{LossCause::SourceFailed, 1},
-                                                          {LossCause::GrabFailed, 1},
+                                                          {LossCause::GrabFailed, 2},
                                                           {LossCause::FramesMissed, 5},
                                                           {LossCause::LoadFailed, 1},
                                                           {LossCause::NoSpace, 1}};
