@@ -1,4 +1,5 @@
 // Recipes with cameras, emulated ones: what they record, how they end, and what is counted on the way.
+#include <random>
 #include <regex>
 #include <sstream>
 
@@ -202,6 +203,36 @@ TEST_F(CameraTest, FailedAndMissingFramesAreCounted)
         EXPECT_EQ(ended.lost("grab_failed"), c.failed) << ended.out;
         EXPECT_EQ(ended.lost("frames_missed"), c.missed) << ended.out;
         EXPECT_EQ(ended.node("Camera").at("lost").value("frames_missed", 0U), c.missed);
+        expectFilesOfAllFinished(ended);
+        fs::remove_all(out() / "S");
+    }
+}
+
+// Any mixture of faults: the camera's account is the run's, and what finished is in files.
+TEST_F(CameraTest, FaultsOfAllKindsAreCountedExactly)
+{
+    for (unsigned seed = 1; seed <= 12; ++seed) {
+        SCOPED_TRACE(seed);
+        std::mt19937 random(seed);
+        std::vector<std::string> parameters;
+        const auto add = [&](const char* name, const std::vector<const char*>& values) {
+            parameters.push_back(std::string(name) + " = " + values[random() % values.size()]);
+        };
+        add("@CameraInstance/MaxNumBuffer", {"1", "2", "10", "100"});
+        add("@CameraDevice/AcquisitionFrameRate", {"500", "10000"});
+        add("@CameraDevice/AcquisitionFrameRateEnable", {"0", "1"});
+        add("@CameraDevice/ChunkModeActive", {"0", "1"});
+        add("@CameraDevice/FailedFramesEvery", {"0", "1", "2", "7"});
+        add("@CameraDevice/LostFramesEvery", {"0", "1", "3"});
+        add("@CameraDevice/LostFramesNumber", {"1", "5", "20"});
+        add("@CameraDevice/DamagedChunksEvery", {"0", "1", "3"});
+        add("@CameraDevice/UnplugAfterFrames", {"0", "1", "5", "100"});
+        add("FixCorruptImages", {"On", "Off"});
+        const bool isPulled = !parameters.at(8).ends_with(" = 0");
+        const RunEnded ended = runCamera(recordCamera(parameters), {"--updates=150", "--for=60s"});
+        EXPECT_EQ(ended.code, isPulled ? 6 : 0) << ended.err;
+        EXPECT_EQ(ended.stats.at("updates").at("lost"), ended.node("Camera").at("lost"));
+        EXPECT_TRUE(isPulled || ended.offered() - ended.lost("frames_missed") == 150) << ended.out;
         expectFilesOfAllFinished(ended);
         fs::remove_all(out() / "S");
     }
