@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <cstring>
@@ -162,8 +163,8 @@ public:
         map_->Connect(&port_);
         tl_ = GenApi::CNodeMapFactory::CreateEmptyNodeMap();
         stream_ = GenApi::CNodeMapFactory::CreateEmptyNodeMap();
-        const std::lock_guard calls(calls_);
         const std::lock_guard lock(state_->mutex);
+        // Without the lock of the calls, during which listeners take locks that who opens may hold.
         listener_ = &listener;
         state_->isOpen = true;
     }
@@ -277,8 +278,9 @@ public:
         std::uint8_t data[4];
         std::memcpy(data, &number, sizeof data);
         const std::lock_guard calls(calls_);
-        if (!listener_) return false;
-        listener_->OnDeviceEvent(eventId, data, sizeof data);
+        Nivex::IDeviceListener* const listener = listener_;
+        if (!listener) return false;
+        listener->OnDeviceEvent(eventId, data, sizeof data);
         return true;
     }
     /// Unplugs the camera; the listener hears of it on this thread.
@@ -289,7 +291,7 @@ public:
             state_->isRemoved = true;
         }
         const std::lock_guard calls(calls_);
-        if (listener_) listener_->OnDeviceRemoved();
+        if (Nivex::IDeviceListener* const listener = listener_) listener->OnDeviceRemoved();
     }
 
 private:
@@ -302,7 +304,7 @@ private:
     std::mutex frames_;  ///< Held while a frame is delivered: StopStream waits for it.
     std::mutex calls_;   ///< Held while the listener is called: Close waits for it.
     Nivex::IStreamSink* sink_ = nullptr;
-    Nivex::IDeviceListener* listener_ = nullptr;
+    std::atomic<Nivex::IDeviceListener*> listener_{nullptr};
 };
 
 /// Turns the frame into a picture of `pictureSize` bytes with the chunk 0x55 holding `number`, trailers included.

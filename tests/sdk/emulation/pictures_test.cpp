@@ -206,7 +206,9 @@ TEST(Pictures, ChangeWhileTheStreamIsUp)
     late.GiveBuffersBackTo(*world.device);
     world.device->StartStream(late);
     world.device->QueueBuffer({world.buffers[0].data(), world.buffers[0].size(), 0});
-    EXPECT_EQ(Values(late.WaitFor(1)[0]), std::vector<unsigned>(width * height, 255));
+    const Taken taken = late.WaitFor(1)[0];
+    world.device->StopStream();
+    EXPECT_EQ(Values(taken), std::vector<unsigned>(width * height, 255));
 }
 
 struct Folder
