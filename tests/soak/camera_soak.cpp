@@ -173,34 +173,46 @@ void expect(bool holds, const char* what)
     ++failures;
 }
 
-void judge(const Runtime::RunStatistics& all, const Sink& sink, std::uint64_t reads, long early, long late)
+/// Frames that the camera made since it was started, by its own account.
+std::uint64_t framesMade(Core::NodeBase& camera)
+{
+    const auto map = mapOf(camera, "@StreamGrabber0");
+    const auto count = [&map](const char* name) {
+        return static_cast<std::uint64_t>(dynamic_cast<GenApi::IInteger&>(*map->GetNode(name)).GetValue());
+    };
+    return count("StreamDeliveredFrameCount") + count("StreamLostFrameCount");
+}
+
+void judge(const Runtime::RunStatistics& all, const Sink& sink, std::uint64_t made, std::uint64_t reads,
+           long early, long late)
 {
     const std::uint64_t failed = lost(all, LossCause::GrabFailed);
     const std::uint64_t missed = lost(all, LossCause::FramesMissed);
     const std::uint64_t noSpace = lost(all, LossCause::NoSpace);
     const std::uint64_t sum = std::accumulate(all.lost.begin(), all.lost.end(), std::uint64_t{0});
     std::printf(
-        "frames: last %llu, images %llu, failed %llu, missed %llu, without space %llu; events %llu\n"
+        "frames: made %llu, last %llu, images %llu, failed %llu, missed %llu, without space %llu; events %llu\n"
         "updates: offered %llu, finished %llu, lost %llu, in flight %llu\n"
         "parameter reads %llu; resident pages %ld after a tenth, %ld at the end, ratio %.3f\n",
-        static_cast<unsigned long long>(sink.lastFrame), static_cast<unsigned long long>(sink.images),
-        static_cast<unsigned long long>(failed), static_cast<unsigned long long>(missed),
-        static_cast<unsigned long long>(noSpace), static_cast<unsigned long long>(sink.events),
-        static_cast<unsigned long long>(all.offered), static_cast<unsigned long long>(all.finished),
-        static_cast<unsigned long long>(sum), static_cast<unsigned long long>(all.inFlight),
-        static_cast<unsigned long long>(reads), early, late,
+        static_cast<unsigned long long>(made), static_cast<unsigned long long>(sink.lastFrame),
+        static_cast<unsigned long long>(sink.images), static_cast<unsigned long long>(failed),
+        static_cast<unsigned long long>(missed), static_cast<unsigned long long>(noSpace),
+        static_cast<unsigned long long>(sink.events), static_cast<unsigned long long>(all.offered),
+        static_cast<unsigned long long>(all.finished), static_cast<unsigned long long>(sum),
+        static_cast<unsigned long long>(all.inFlight), static_cast<unsigned long long>(reads), early, late,
         static_cast<double>(late) / static_cast<double>(early));
     expect(all.offered == all.finished + sum && all.inFlight == 0, "offered = finished + lost");
     expect(sum == failed + missed + noSpace, "no loss but those of the faults and of the stop");
     expect(all.finished == sink.images + sink.events, "each update ended at the sink");
     expect(failed == sink.failedImages, "each failed frame was seen");
     expect(sink.disorder == 0, "frame numbers ascend");
-    // Failed frames carry no chunks, so the last one or two may lie behind the last number seen.
+    // What came behind the last image seen is counted, but has no number here.
     const std::uint64_t accounted = sink.images + failed + missed;
-    expect(accounted >= sink.lastFrame && accounted <= sink.lastFrame + 3, "each frame was seen or counted");
+    expect(accounted >= sink.lastFrame && accounted <= made, "each frame was seen or counted");
     expect(sink.exposures == sink.images, "each image came with its chunk values");
     expect(failed > 0 && missed > 0 && sink.events > 0 && reads > 0, "all that was wanted happened");
-    expect(static_cast<double>(late) < 1.02 * static_cast<double>(early), "memory is flat");
+    constexpr long slack = 512;
+    expect(static_cast<double>(late) < 1.02 * static_cast<double>(early) + slack, "memory is flat");
 }
 
 int soak(std::chrono::nanoseconds duration)
@@ -231,7 +243,7 @@ int soak(std::chrono::nanoseconds duration)
     }
     const long late = residentPages();
     graph.stop();
-    judge(graph.getStatistics(), sink, reads, early, late);
+    judge(graph.getStatistics(), sink, framesMade(camera), reads, early, late);
     return failures == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
