@@ -1,5 +1,6 @@
 // A camera for a long time: 500 frames per second with chunk pins, an event pin and faults, while another thread
-// reads parameters. Every frame that the camera made has to be seen or counted, and memory has to stay flat.
+// reads parameters. Every frame that the camera made has to be seen or counted, and the memory of a run of more
+// than a minute has to stay flat.
 //
 //     camera_soak [SECONDS]    600 by default; ends with 1 and the reasons if anything is wrong
 
@@ -211,8 +212,9 @@ void judge(const Runtime::RunStatistics& all, const Sink& sink, std::uint64_t ma
     expect(accounted >= sink.lastFrame && accounted <= made, "each frame was seen or counted");
     expect(sink.exposures == sink.images, "each image came with its chunk values");
     expect(failed > 0 && missed > 0 && sink.events > 0 && reads > 0, "all that was wanted happened");
-    constexpr long slack = 512;
-    expect(static_cast<double>(late) < 1.02 * static_cast<double>(early) + slack, "memory is flat");
+    // In a short run the heap is still being warmed up.
+    if (all.duration > 1min)
+        expect(static_cast<double>(late) < 1.02 * static_cast<double>(early), "memory is flat");
 }
 
 int soak(std::chrono::nanoseconds duration)
