@@ -213,7 +213,12 @@ void CPortNode::ForgetBytes(int64_t address, int64_t length)
                               : address - maxIndexedLength;
     auto entry = std::lower_bound(indexed_.begin(), indexed_.end(), first,
                                   [](const Indexed& indexed, int64_t start) { return indexed.address < start; });
-    for (; entry != indexed_.end() && (entry->address <= address || entry->address - address < length); ++entry)
+    // Counted in unsigned numbers: the two may lie further apart than a signed one can say.
+    const auto reaches = [&](int64_t start) {
+        return start <= address ||
+               static_cast<uint64_t>(start) - static_cast<uint64_t>(address) < static_cast<uint64_t>(length);
+    };
+    for (; entry != indexed_.end() && reaches(entry->address); ++entry)
         Forget(*entry->reg, address, length);
     for (RegisterAccess* reg : others_)
         Forget(*reg, address, length);
