@@ -32,10 +32,7 @@ namespace {
 
 using namespace Nivex::DataProcessing;
 using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 using Core::LossCause;
-
-constexpr int framesPerSecond = 500;
 
 /// Takes what the camera puts out, and keeps its own account of it.
 class Sink : public Core::AdvancedNode

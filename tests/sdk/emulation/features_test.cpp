@@ -232,7 +232,12 @@ TEST(Features, ReadTheClock)
 TEST(Features, RefuseWhatTheCameraCannotDo)
 {
     const World world;
-    const std::pair<Settings, const char*> refusals[] = {
+    struct Row
+    {
+        Settings settings;
+        const char* text;
+    };
+    const Row refusals[] = {
         {{{"WidthReg", "5000"}}, "refuses 5000 for Width; allowed is 1 to 4096"},
         {{{"PixelFormatReg", "7"}}, "refuses 7 for PixelFormat; allowed is the value of an entry"},
         {{{"ReverseXReg", "2"}}, "refuses 2 for ReverseX; allowed is 0 or 1"},
@@ -241,8 +246,8 @@ TEST(Features, RefuseWhatTheCameraCannotDo)
         {{{"ImageSource", "Folder"}, {"ImageFolder", "/no/such"}, {"AcquisitionStart", "1"}}, "\"/no/such\""},
         {{{"ComponentEnable", "0"}, {"AcquisitionStart", "1"}}, "no component is enabled"},
     };
-    for (const auto& [settings, text] : refusals)
-        ExpectFailure<GenericException>([&] { world.Apply(settings); }, text);
+    for (const Row& row : refusals)
+        ExpectFailure<GenericException>([&] { world.Apply(row.settings); }, row.text);
     GenApi::IPort& port = dynamic_cast<GenApi::IPort&>(*world.device->GetNodeMap()->GetNode("Device"));
     std::vector<std::byte> bytes(64);
     for (const std::int64_t address : {std::int64_t{0}, std::int64_t{-8}, INT64_MAX - 8, INT64_MIN}) {
