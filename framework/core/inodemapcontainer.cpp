@@ -17,8 +17,14 @@ NodeMapInfo::NodeMapInfo(const GenICam::gcstring& name, const GenICam::gcstring&
 
 NodeMapInfo::~NodeMapInfo() = default;
 
-GenICam::gcstring NodeMapInfo::GetName() const { return read(nameKey); }
-GenICam::gcstring NodeMapInfo::GetIdentifier() const { return read(identifierKey); }
+GenICam::gcstring NodeMapInfo::GetName() const
+{
+    return read(nameKey);
+}
+GenICam::gcstring NodeMapInfo::GetIdentifier() const
+{
+    return read(identifierKey);
+}
 
 GenICam::gcstring NodeMapInfo::read(const char* key) const
 {

@@ -24,11 +24,19 @@ public:
     gcstring(const char* text) : text_(text ? text : "") {}  // NOLINT: texts convert implicitly
     gcstring(const char* text, std::size_t length) : text_(text, length) {}
     gcstring(std::size_t count, char character) : text_(count, character) {}
-    gcstring(std::string text) noexcept : text_(std::move(text)) {}            // NOLINT
+    gcstring(std::string text) noexcept : text_(std::move(text)) {}  // NOLINT
     explicit gcstring(std::string_view text) : text_(text) {}
 
-    gcstring& operator+=(const gcstring& other) { text_ += other.text_; return *this; }
-    gcstring& operator+=(char character) { text_ += character; return *this; }
+    gcstring& operator+=(const gcstring& other)
+    {
+        text_ += other.text_;
+        return *this;
+    }
+    gcstring& operator+=(char character)
+    {
+        text_ += character;
+        return *this;
+    }
 
     const char* c_str() const noexcept { return text_.c_str(); }
     operator const char*() const noexcept { return text_.c_str(); }  // NOLINT
@@ -79,5 +87,8 @@ using gcstring_vector = std::vector<gcstring>;
 template <>
 struct std::hash<GenICam::gcstring>
 {
-    std::size_t operator()(const GenICam::gcstring& text) const noexcept { return std::hash<std::string>()(text.str()); }
+    std::size_t operator()(const GenICam::gcstring& text) const noexcept
+    {
+        return std::hash<std::string>()(text.str());
+    }
 };

@@ -106,7 +106,7 @@ R"(",
     ]
 }
 )";
-    // clang-format on
+// clang-format on
 
 }  // namespace
 
