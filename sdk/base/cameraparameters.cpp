@@ -220,14 +220,13 @@ private:
 
     std::int64_t Current(RowIndex row) const
     {
-        const GrabQueue::Counts counts = queue_->Count();
         switch (row) {
             case NumQueuedBuffersRow:
-                return static_cast<std::int64_t>(counts.atDevice);
+                return static_cast<std::int64_t>(queue_->Count().atDevice);
             case NumReadyBuffersRow:
-                return static_cast<std::int64_t>(counts.ready);
+                return static_cast<std::int64_t>(queue_->Count().ready);
             case NumEmptyBuffersRow:
-                return static_cast<std::int64_t>(counts.idle);
+                return static_cast<std::int64_t>(queue_->Count().idle);
             default:
                 return values_[row];
         }

@@ -110,7 +110,6 @@ private:
     void StartStream(INivexDevice& device, const GrabPlan& plan);
     void StopStream(Failures& failures);
     void StopLocked(bool forced, Failures& failures);
-    void TellCamera(const char* command, Failures& failures);
     void LockTransportLayer(bool locked);
     void RunGrabLoop();
     void Deliver(Delivery delivery);

@@ -1,5 +1,7 @@
 #include "base/parameters.h"
 
+#include <type_traits>
+
 #include "gcbase/exception.h"
 #include "genapi/genapi.h"
 
@@ -59,22 +61,47 @@ Interface& CParameter<Interface>::Feature() const
     return *feature_;
 }
 
+template <typename Interface, typename Value>
+Value CValueParameter<Interface, Value>::GetValue() const
+{
+    if constexpr (std::is_same_v<Interface, GenApi::IEnumeration>)
+        return this->Feature().ToString();
+    else
+        return this->Feature().GetValue();
+}
+
+template <typename Interface, typename Value>
+void CValueParameter<Interface, Value>::SetValue(const Value& value)
+{
+    if constexpr (std::is_same_v<Interface, GenApi::IEnumeration>)
+        this->Feature().FromString(value);
+    else
+        this->Feature().SetValue(value);
+}
+
+template <typename Interface, typename Value>
+Value CValueParameter<Interface, Value>::GetValueOrDefault(const Value& defaultValue) const
+{
+    return orElse(defaultValue, [this] { return GetValue(); });
+}
+
+template <typename Interface, typename Value>
+bool CValueParameter<Interface, Value>::TrySetValue(const Value& value)
+{
+    return succeeds([&] { SetValue(value); });
+}
+
 template class CParameter<GenApi::IInteger>;
 template class CParameter<GenApi::IFloat>;
 template class CParameter<GenApi::IBoolean>;
 template class CParameter<GenApi::IEnumeration>;
 template class CParameter<GenApi::IString>;
 template class CParameter<GenApi::ICommand>;
-
-std::int64_t CIntegerParameter::GetValue() const
-{
-    return Feature().GetValue();
-}
-
-void CIntegerParameter::SetValue(std::int64_t value)
-{
-    Feature().SetValue(value);
-}
+template class CValueParameter<GenApi::IInteger, std::int64_t>;
+template class CValueParameter<GenApi::IFloat, double>;
+template class CValueParameter<GenApi::IBoolean, bool>;
+template class CValueParameter<GenApi::IEnumeration, gcstring>;
+template class CValueParameter<GenApi::IString, gcstring>;
 
 std::int64_t CIntegerParameter::GetMin() const
 {
@@ -91,26 +118,6 @@ std::int64_t CIntegerParameter::GetInc() const
     return Feature().GetInc();
 }
 
-std::int64_t CIntegerParameter::GetValueOrDefault(std::int64_t defaultValue) const
-{
-    return orElse(defaultValue, [this] { return GetValue(); });
-}
-
-bool CIntegerParameter::TrySetValue(std::int64_t value)
-{
-    return succeeds([&] { SetValue(value); });
-}
-
-double CFloatParameter::GetValue() const
-{
-    return Feature().GetValue();
-}
-
-void CFloatParameter::SetValue(double value)
-{
-    Feature().SetValue(value);
-}
-
 double CFloatParameter::GetMin() const
 {
     return Feature().GetMin();
@@ -121,81 +128,11 @@ double CFloatParameter::GetMax() const
     return Feature().GetMax();
 }
 
-double CFloatParameter::GetValueOrDefault(double defaultValue) const
-{
-    return orElse(defaultValue, [this] { return GetValue(); });
-}
-
-bool CFloatParameter::TrySetValue(double value)
-{
-    return succeeds([&] { SetValue(value); });
-}
-
-bool CBooleanParameter::GetValue() const
-{
-    return Feature().GetValue();
-}
-
-void CBooleanParameter::SetValue(bool value)
-{
-    Feature().SetValue(value);
-}
-
-bool CBooleanParameter::GetValueOrDefault(bool defaultValue) const
-{
-    return orElse(defaultValue, [this] { return GetValue(); });
-}
-
-bool CBooleanParameter::TrySetValue(bool value)
-{
-    return succeeds([&] { SetValue(value); });
-}
-
-gcstring CEnumParameter::GetValue() const
-{
-    return Feature().ToString();
-}
-
-void CEnumParameter::SetValue(const gcstring& value)
-{
-    Feature().FromString(value);
-}
-
-gcstring CEnumParameter::GetValueOrDefault(const gcstring& defaultValue) const
-{
-    return orElse(defaultValue, [this] { return GetValue(); });
-}
-
-bool CEnumParameter::TrySetValue(const gcstring& value)
-{
-    return succeeds([&] { SetValue(value); });
-}
-
 bool CEnumParameter::CanSetValue(const gcstring& value) const
 {
     return orElse(false, [&] {
         return GenApi::IsWritable(feature_) && GenApi::IsAvailable(feature_->GetEntryByName(value));
     });
-}
-
-gcstring CStringParameter::GetValue() const
-{
-    return Feature().GetValue();
-}
-
-void CStringParameter::SetValue(const gcstring& value)
-{
-    Feature().SetValue(value);
-}
-
-gcstring CStringParameter::GetValueOrDefault(const gcstring& defaultValue) const
-{
-    return orElse(defaultValue, [this] { return GetValue(); });
-}
-
-bool CStringParameter::TrySetValue(const gcstring& value)
-{
-    return succeeds([&] { SetValue(value); });
 }
 
 void CCommandParameter::Execute()

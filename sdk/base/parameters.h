@@ -42,69 +42,54 @@ protected:
     Interface* feature_ = nullptr;  ///< A node of nodeMap_.
 };
 
-/// An integer feature.
-class GENICAM_API CIntegerParameter : public CParameter<GenApi::IInteger>
+/// A feature with a value.
+template <typename Interface, typename Value>
+class GENICAM_API CValueParameter : public CParameter<Interface>
 {
 public:
-    using CParameter::CParameter;
-    std::int64_t GetValue() const;
-    void SetValue(std::int64_t value);
+    using CParameter<Interface>::CParameter;
+
+    Value GetValue() const;
+    void SetValue(const Value& value);
+    /// The value, or `defaultValue` if it can't be read.
+    Value GetValueOrDefault(const Value& defaultValue) const;
+    /// False, and nothing changed, if the value can't be written.
+    bool TrySetValue(const Value& value);
+};
+
+/// An integer feature.
+class GENICAM_API CIntegerParameter : public CValueParameter<GenApi::IInteger, std::int64_t>
+{
+public:
+    using CValueParameter::CValueParameter;
     std::int64_t GetMin() const;
     std::int64_t GetMax() const;
     std::int64_t GetInc() const;
-    /// The value, or `defaultValue` if it can't be read.
-    std::int64_t GetValueOrDefault(std::int64_t defaultValue) const;
-    /// False, and nothing changed, if the value can't be written.
-    bool TrySetValue(std::int64_t value);
 };
 
 /// A floating-point feature.
-class GENICAM_API CFloatParameter : public CParameter<GenApi::IFloat>
+class GENICAM_API CFloatParameter : public CValueParameter<GenApi::IFloat, double>
 {
 public:
-    using CParameter::CParameter;
-    double GetValue() const;
-    void SetValue(double value);
+    using CValueParameter::CValueParameter;
     double GetMin() const;
     double GetMax() const;
-    double GetValueOrDefault(double defaultValue) const;
-    bool TrySetValue(double value);
 };
 
 /// A feature that is on or off.
-class GENICAM_API CBooleanParameter : public CParameter<GenApi::IBoolean>
-{
-public:
-    using CParameter::CParameter;
-    bool GetValue() const;
-    void SetValue(bool value);
-    bool GetValueOrDefault(bool defaultValue) const;
-    bool TrySetValue(bool value);
-};
+using CBooleanParameter = CValueParameter<GenApi::IBoolean, bool>;
 
 /// A choice by name.
-class GENICAM_API CEnumParameter : public CParameter<GenApi::IEnumeration>
+class GENICAM_API CEnumParameter : public CValueParameter<GenApi::IEnumeration, GenICam::gcstring>
 {
 public:
-    using CParameter::CParameter;
-    GenICam::gcstring GetValue() const;
-    void SetValue(const GenICam::gcstring& value);
-    GenICam::gcstring GetValueOrDefault(const GenICam::gcstring& defaultValue) const;
-    bool TrySetValue(const GenICam::gcstring& value);
+    using CValueParameter::CValueParameter;
     /// True if there is an entry of that name which can be chosen now.
     bool CanSetValue(const GenICam::gcstring& value) const;
 };
 
 /// A text feature.
-class GENICAM_API CStringParameter : public CParameter<GenApi::IString>
-{
-public:
-    using CParameter::CParameter;
-    GenICam::gcstring GetValue() const;
-    void SetValue(const GenICam::gcstring& value);
-    GenICam::gcstring GetValueOrDefault(const GenICam::gcstring& defaultValue) const;
-    bool TrySetValue(const GenICam::gcstring& value);
-};
+using CStringParameter = CValueParameter<GenApi::IString, GenICam::gcstring>;
 
 /// An action.
 class GENICAM_API CCommandParameter : public CParameter<GenApi::ICommand>

@@ -3,32 +3,13 @@
 #include <algorithm>
 #include <string>
 
+#include "camera/characters.h"
+
 namespace Plugin::NivexStageletPackageBase {
 
+using namespace Characters;
+
 namespace {
-
-bool isLetter(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
-bool isNameCharacter(char c)
-{
-    return isLetter(c) || (c >= '0' && c <= '9');
-}
-
-bool isSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-template <typename IsMember>
-std::size_t endOfRun(std::string_view line, std::size_t start, const IsMember& isMember)
-{
-    while (start < line.size() && isMember(line[start]))
-        ++start;
-    return start;
-}
 
 bool isAt(std::string_view line, std::size_t position, char c)
 {
@@ -48,7 +29,7 @@ bool isFeature(std::string_view line, std::size_t nameLength)
 FeatureLine classifyFeatureLine(std::string_view line)
 {
     if (isAt(line, endOfRun(line, 0, isSpace), '#')) return {FeatureLineKind::Comment};
-    const std::size_t nameLength = endOfRun(line, 0, isNameCharacter);
+    const std::size_t nameLength = endOfRun(line, 0, isAlnum);
     const std::size_t separator = endOfRun(line, nameLength, isSpace);
     if (nameLength > 0 && isAt(line, separator, '=')) {
         return {FeatureLineKind::Assignment, nameLength, endOfRun(line, separator + 1, isSpace)};

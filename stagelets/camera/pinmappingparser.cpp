@@ -8,9 +8,12 @@
 
 #include "gcbase/exception.h"
 
+#include "camera/characters.h"
+
 namespace Plugin::NivexStageletPackageBase {
 
 using GenICam::gcstring;
+using namespace Characters;
 
 namespace {
 
@@ -40,28 +43,6 @@ constexpr const char* mappingTypeTexts[] = {"Invalid", "ChunkData", "Event"};
 const PropertyRow& rowOf(PinProperty property)
 {
     return propertyRows[static_cast<std::size_t>(property)];
-}
-
-// The classes of the C locale, whatever locale the process has.
-
-bool isAlpha(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-bool isAlnum(char c)
-{
-    return isAlpha(c) || isDigit(c);
-}
-
-bool isSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
 bool isNameCharacter(char c)
@@ -227,7 +208,7 @@ void PinMappingParser::readPinName()
 PinProperty PinMappingParser::readProperty()
 {
     skipSpace();
-    const gcstring name(takeRun(isAlpha));
+    const gcstring name(takeRun(isLetter));
     if (name.empty()) fail("Expected valid property pin name not found.");
     const auto* row = std::find_if(std::begin(propertyRows) + 1, std::end(propertyRows),
                                    [&name](const PropertyRow& candidate) { return name == candidate.text; });
@@ -252,8 +233,7 @@ template <typename IsMember>
 std::string_view PinMappingParser::takeRun(const IsMember& isMember)
 {
     const std::size_t start = cursor_;
-    while (!atEnd() && isMember(text_[cursor_]))
-        ++cursor_;
+    cursor_ = endOfRun(text_, start, isMember);
     return text_.substr(start, cursor_ - start);
 }
 

@@ -238,16 +238,21 @@ bool Camera::Settle()
     return widthChanged || heightChanged;
 }
 
-std::size_t Camera::PayloadSizeLocked() const
+std::size_t FrameSettings::PayloadSize() const
 {
     std::size_t size = 0;
-    for (std::size_t i = 0; i < std::size(components); ++i)
-        if (bank.IsOn("ComponentEnable"_reg, i)) size += pictureSize(pictureSettings(bank, components[i]));
-    if (!bank.IsOn("ChunkModeActive"_reg)) return size;
+    for (const auto& picture : pictures)
+        if (picture) size += pictureSize(*picture);
+    if (!hasChunks) return size;
     size += trailerSize;
     for (std::size_t i = 0; i < std::size(chunks); ++i)
-        if (bank.IsOn("ChunkEnable"_reg, i)) size += chunks[i].size + trailerSize;
+        if (chunkEnabled[i]) size += chunks[i].size + trailerSize;
     return size;
+}
+
+std::size_t Camera::PayloadSizeLocked() const
+{
+    return SettingsLocked().PayloadSize();
 }
 
 FrameSettings Camera::SettingsLocked() const

@@ -8,7 +8,6 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "base/camerabackend.h"
 #include "base/emulation/frametables.h"
@@ -35,9 +34,9 @@ struct Session
     std::deque<QueuedEvent> events;
 
     bool streaming = false;
-    bool delivering = false;             ///< A sink is being called.
-    std::vector<SStreamBuffer> buffers;  ///< Few; those lent first come first.
-    std::uint64_t frames = 0;            ///< Taken since the stream was started, lost ones included.
+    bool delivering = false;            ///< A sink is being called.
+    std::deque<SStreamBuffer> buffers;  ///< Those lent first come first.
+    std::uint64_t frames = 0;           ///< Taken since the stream was started, lost ones included.
 
     bool acquiring = false;
     std::uint64_t acquisition = 0;      ///< Counts starts, so that a new one is noticed.
@@ -59,6 +58,9 @@ struct FrameSettings
     std::uint64_t lostEvery = 0;
     std::uint64_t lostNumber = 0;
     std::uint64_t damagedEvery = 0;
+
+    /// Bytes of a frame.
+    std::size_t PayloadSize() const;
 };
 
 /// An emulated camera with its registers, which live on while nobody has it open. Shared by the back end and the

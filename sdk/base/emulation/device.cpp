@@ -331,7 +331,7 @@ bool Device::IsLostOnDemand(std::uint64_t number) const
 void Device::Deliver(Lock& lock, IStreamSink& sink, const FrameFacts& facts)
 {
     const SStreamBuffer buffer = session_.buffers.front();
-    session_.buffers.erase(session_.buffers.begin());
+    session_.buffers.pop_front();
     session_.delivering = true;
     lock.unlock();
     const SFrame frame = maker_.Make(buffer, facts);

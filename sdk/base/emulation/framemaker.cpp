@@ -93,6 +93,7 @@ void FrameMaker::ForgetFiles()
 void FrameMaker::Prepare(const FrameSettings& settings)
 {
     settings_ = settings;
+    payloadSize_ = settings.PayloadSize();
     ready_ = false;
     try {
         for (std::size_t i = 0; i < sources_.size(); ++i)
@@ -104,18 +105,6 @@ void FrameMaker::Prepare(const FrameSettings& settings)
     }
 }
 
-std::size_t FrameMaker::PayloadSize() const
-{
-    std::size_t size = 0;
-    for (std::size_t i = 0; i < sources_.size(); ++i)
-        if (settings_.pictures[i]) size += sources_[i].PictureSize();
-    if (!settings_.hasChunks) return size;
-    size += trailerSize;
-    for (std::size_t i = 0; i < std::size(chunks); ++i)
-        if (settings_.chunkEnabled[i]) size += chunks[i].size + trailerSize;
-    return size;
-}
-
 SFrame FrameMaker::Make(const SStreamBuffer& buffer, const FrameFacts& facts)
 {
     SFrame frame;
@@ -123,7 +112,7 @@ SFrame FrameMaker::Make(const SStreamBuffer& buffer, const FrameFacts& facts)
     frame.isComplete = true;
     frame.blockId = facts.number;
     frame.timestamp = facts.timestamp;
-    if (!ready_ || PayloadSize() > buffer.size) {
+    if (!ready_ || payloadSize_ > buffer.size) {
         fail(frame, ready_ ? bufferTooSmall : noPictures);
         return frame;
     }

@@ -32,9 +32,9 @@ public:
 private:
     bool MakePictures(SFrame& frame, const FrameFacts& facts);
     void AppendChunks(SFrame& frame, const FrameFacts& facts) const;
-    std::size_t PayloadSize() const;
 
     FrameSettings settings_;
+    std::size_t payloadSize_ = 0;  ///< Of settings_.
     std::array<PictureSource, std::size(components)> sources_;
     bool ready_ = false;
 };
