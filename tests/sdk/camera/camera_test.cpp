@@ -41,8 +41,8 @@ TEST(Camera, DeliversFramesInTheBuffersTheyWereWrittenInto)
 // Each step is told before and after, around what the device is asked for.
 TEST(Camera, TakesItsStepsInOrder)
 {
-    World world;
     Steps steps;
+    World world;
     steps.onStep = [&](const gcstring& step) { world.state->Note(step.str()); };
     world.Register(steps);
     CInstantCamera& camera = world.camera;
@@ -86,8 +86,8 @@ TEST(Camera, AStartThatFailsIsUndone)
     {
         for (const bool isOpen : {false, true}) {
             SCOPED_TRACE(testing::Message() << operation << isOpen);
-            World world;
             Steps steps;
+            World world;
             steps.onStep = [&](const gcstring& step) { world.state->before(step.str()); };
             world.Register(steps);
             if (isOpen) world.camera.Open();
@@ -130,11 +130,11 @@ TEST(Camera, StrategiesChooseAmongWaitingResults)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.numbersAndSkipped.size());
-        World world;
-        world.Set("OutputQueueSize", row.outputQueueSize);
         ImageHandler handler;
         std::size_t told = 0;
         handler.onSkipped = [&](std::size_t count) { told += count; };
+        World world;
+        world.Set("OutputQueueSize", row.outputQueueSize);
         world.Register(handler);
         world.camera.StartGrabbing(row.strategy);
         for (int i = 0; i < 5; ++i)
@@ -362,9 +362,9 @@ TEST(Camera, SaysWhyThereAreNoChunks)
 // Only events call, not other changes of the node; each with its data, over closing and opening.
 TEST(Camera, EventsReachTheHandlersOfTheirNodes)
 {
-    World world;
     Log log;
     EventHandler handler;
+    World world;
     handler.onEvent = [&](std::intptr_t id, GenApi::INode* node) {
         log.push_back(std::to_string(id) + " " + dynamic_cast<GenApi::IValue&>(*node).ToString().str());
         world.camera.GetNodeMap()->GetNode("EventData")->InvalidateNode();
@@ -427,6 +427,7 @@ private:
 
 TEST(Camera, HandlersComeAndGo)
 {
+    std::string log;
     World world;
     CInstantCamera& camera = world.camera;
     const auto add = [&](CImageEventHandler* handler, ERegistrationMode mode) {
@@ -436,7 +437,6 @@ TEST(Camera, HandlersComeAndGo)
         world.device->PushFrame();
         EXPECT_TRUE(world.Take());
     };
-    std::string log;
     EXPECT_THROW(add(nullptr, ERegistrationMode::Append), GenICam::InvalidArgumentException);
     EXPECT_THROW(add(new Counted(log, true), ERegistrationMode::Append), std::runtime_error);
     EXPECT_EQ(std::exchange(log, {}), "+~");
@@ -470,9 +470,9 @@ TEST(Camera, ARemovalEndsTheGrabbing)
          {"idle", "grabbing", "StartStream", "StreamStarted", "write 0", "write 4", "StopStream", "write 16"})
     {
         SCOPED_TRACE(moment);
-        World world;
         int removals = 0;
         Steps steps;
+        World world;
         steps.onStep = [&](const gcstring& step) {
             if (step != "OnCameraDeviceRemoved") return;
             ++removals;

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <set>
-
 #include "base/instantcamera.h"
 #include "base/parameters.h"
 
@@ -47,68 +45,28 @@ struct World
     CInstantCamera camera;
 };
 
-/// Handlers made of functions. One that ends before the camera is deregistered by then.
+// Handlers made of functions. They, and what their functions refer to, are declared before the World, which tells
+// them of its end.
+
 struct ImageHandler : CImageEventHandler
 {
-    ImageHandler() = default;
-    ImageHandler(const ImageHandler&) = delete;
-    ImageHandler& operator=(const ImageHandler&) = delete;
-    ~ImageHandler() override
-    {
-        if (camera_) camera_->DeregisterImageEventHandler(this);
-    }
-    void OnImageEventHandlerRegistered(CInstantCamera& camera) override { camera_ = &camera; }
-    void OnImageEventHandlerDeregistered(CInstantCamera&) override { camera_ = nullptr; }
     void OnImageGrabbed(CInstantCamera&, const CGrabResultPtr& result) override { onImage(result); }
     void OnImagesSkipped(CInstantCamera&, std::size_t count) override { onSkipped(count); }
 
     std::function<void(const CGrabResultPtr&)> onImage = [](const CGrabResultPtr&) {};
     std::function<void(std::size_t)> onSkipped = [](std::size_t) {};
-
-private:
-    CInstantCamera* camera_ = nullptr;
 };
 
 struct EventHandler : CCameraEventHandler
 {
-    EventHandler() = default;
-    EventHandler(const EventHandler&) = delete;
-    EventHandler& operator=(const EventHandler&) = delete;
-    ~EventHandler() override
-    {
-        while (!nodes_.empty())
-            camera_->DeregisterCameraEventHandler(this, *nodes_.begin());
-    }
-    void OnCameraEventHandlerRegistered(CInstantCamera& camera, const char* nodeName, std::intptr_t) override
-    {
-        camera_ = &camera;
-        nodes_.emplace(nodeName);
-    }
-    void OnCameraEventHandlerDeregistered(CInstantCamera&, const char* nodeName, std::intptr_t) override
-    {
-        nodes_.erase(nodeName);
-    }
     void OnCameraEvent(CInstantCamera&, std::intptr_t id, GenApi::INode* node) override { onEvent(id, node); }
 
     std::function<void(std::intptr_t, GenApi::INode*)> onEvent;
-
-private:
-    CInstantCamera* camera_ = nullptr;
-    std::set<gcstring> nodes_;
 };
 
 /// Calls `onStep` with the name of each step.
 struct Steps : CConfigurationEventHandler
 {
-    Steps() = default;
-    Steps(const Steps&) = delete;
-    Steps& operator=(const Steps&) = delete;
-    ~Steps() override
-    {
-        if (camera_) camera_->DeregisterConfiguration(this);
-    }
-    void OnConfigurationRegistered(CInstantCamera& camera) override { camera_ = &camera; }
-    void OnConfigurationDeregistered(CInstantCamera&) override { camera_ = nullptr; }
     void OnAttach(CInstantCamera&) override { onStep("OnAttach"); }
     void OnAttached(CInstantCamera&) override { onStep("OnAttached"); }
     void OnDetach(CInstantCamera&) override { onStep("OnDetach"); }
@@ -125,9 +83,6 @@ struct Steps : CConfigurationEventHandler
     void OnCameraDeviceRemoved(CInstantCamera&) override { onStep("OnCameraDeviceRemoved"); }
 
     std::function<void(const gcstring&)> onStep;
-
-private:
-    CInstantCamera* camera_ = nullptr;
 };
 
 }  // namespace CameraTest

@@ -39,7 +39,11 @@ struct BusyWorld : World
         device->PushFrame();
         entered.Wait();
     }
-    ~BusyWorld() { camera.DetachDevice(); }
+    ~BusyWorld()
+    {
+        camera.DetachDevice();
+        camera.DeregisterImageEventHandler(&handler);
+    }
 
     Gate entered;
     Gate letGo;
@@ -94,10 +98,10 @@ TEST(CameraThreads, OthersWaitForTheHandler)
 // The handler of an image may itself stop, and start anew.
 TEST(CameraThreads, AHandlerMayRestartTheGrabbing)
 {
-    World world;
     ImageHandler handler;
     Gate done;
     std::vector<std::uint64_t> numbers;
+    World world;
     handler.onImage = [&](const CGrabResultPtr& result) {
         numbers.push_back(result->GetImageNumber());
         world.camera.WaitForGrabLoop();
@@ -143,8 +147,8 @@ TEST(CameraThreads, WaitingForAResultEnds)
 // The removal is told without the camera's lock, so that another thread can be waited for that uses the camera.
 TEST(CameraThreads, ARemovalIsToldWithoutALock)
 {
-    World world;
     Steps steps;
+    World world;
     steps.onStep = [&](const gcstring& step) {
         if (step == "OnCameraDeviceRemoved") std::thread([&] { world.camera.StopGrabbing(); }).join();
     };
@@ -209,7 +213,6 @@ TEST(CameraThreads, EveryFrameIsAccountedFor)
 {
     for (const EGrabLoop loop : {EGrabLoop::ProvidedByInstantCamera, EGrabLoop::ProvidedByUser}) {
         for (const EGrabStrategy strategy : {EGrabStrategy::OneByOne, EGrabStrategy::LatestImageOnly}) {
-            World world;
             Hoard hoard;
             ImageHandler handler;
             std::atomic<std::uint64_t> handled = 0;
@@ -221,6 +224,7 @@ TEST(CameraThreads, EveryFrameIsAccountedFor)
                 ++handled;
                 hoard.Add(result);
             };
+            World world;
             world.Register(handler);
             world.camera.Open();
             {
@@ -249,15 +253,15 @@ TEST(CameraThreads, EveryFrameIsAccountedFor)
 TEST(CameraThreads, ARemovalMayComeAtAnyTime)
 {
     for (int round = 0; round < 100; ++round) {
-        World world;
         Hoard hoard;
         std::atomic<int> removals = 0;
         ImageHandler images;
         images.onImage = [&](const CGrabResultPtr& result) { hoard.Add(result); };
         EventHandler events;
-        events.onEvent = [&](std::intptr_t, GenApi::INode*) { world.camera.GetNodeMap(); };
         Steps steps;
         steps.onStep = [&](const gcstring& step) { removals += step == "OnCameraDeviceRemoved" ? 1 : 0; };
+        World world;
+        events.onEvent = [&](std::intptr_t, GenApi::INode*) { world.camera.GetNodeMap(); };
         world.Register(images);
         world.Register(steps);
         world.camera.RegisterCameraEventHandler(&events, "EventData", 0, ERegistrationMode::Append,

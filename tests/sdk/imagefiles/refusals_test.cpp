@@ -2,15 +2,14 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <atomic>
-#include <csignal>
 #include <thread>
 
 #include "gcbase/exception.h"
 
+#include "filesizelimit.h"
 #include "sdk/imagefiles/imagetesting.h"
 
 using namespace Nivex;
@@ -209,22 +208,19 @@ TEST_F(Refusals, ContentDecidesAndNotTheEnding)
 TEST_F(Refusals, FullDiskLeavesTheOldFile)
 {
     const CNivexImage picture = makePicture(BGR8Packed, 600, 400);
-    struct rlimit before = {};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
     for (const EImageFileFormat format : {Bmp, Tiff, Jpeg, Png, Raw, Dng}) {
         SCOPED_TRACE(static_cast<int>(format));
         const std::string path = inFolder("p");
         writeFile(path, {1, 2, 3});
-        const struct rlimit tiny = {20000, before.rlim_max};
-        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &tiny), 0);
-        EXPECT_THAT([&] { CImagePersistence::Save(format, path.c_str(), picture); },
-                    ThrowsMessage<GenICam::RuntimeException>(AllOf(HasSubstr(path), HasSubstr("File too large"))));
-        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+        {
+            const FileSizeLimit tiny(20000);
+            EXPECT_THAT(
+                [&] { CImagePersistence::Save(format, path.c_str(), picture); },
+                ThrowsMessage<GenICam::RuntimeException>(AllOf(HasSubstr(path), HasSubstr("File too large"))));
+        }
         EXPECT_EQ(readFile(path), (Bytes{1, 2, 3}));
         EXPECT_EQ(countFiles(), 1U);
     }
-    std::signal(SIGXFSZ, oldHandler);
 }
 
 TEST_F(Refusals, PlacesThatTakeNoFile)

@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <stdlib.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,6 +16,7 @@
 #include "utility/imageformatconverter.h"
 #include "utility/niveximage.h"
 
+#include "filesizelimit.h"
 #include "videojudge.h"
 
 namespace {
@@ -361,30 +361,6 @@ TEST_F(VideoWriter, GoesWithEachOtherEncoderOrTellsWhyNot)
     }
 }
 
-/// Lowers one limit of the process for its life.
-class Limit
-{
-public:
-    Limit(__rlimit_resource kind, rlim_t value) : kind_(kind), handler_(signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(kind_, &before_);
-        const rlimit lowered{value, before_.rlim_max};
-        setrlimit(kind_, &lowered);
-    }
-    ~Limit()
-    {
-        setrlimit(kind_, &before_);
-        signal(SIGXFSZ, handler_);
-    }
-    Limit(const Limit&) = delete;
-    Limit& operator=(const Limit&) = delete;
-
-private:
-    __rlimit_resource kind_;
-    rlimit before_{};
-    void (*handler_)(int);
-};
-
 /// Noise, which takes room in a video.
 CNivexImage noise(unsigned seed)
 {
@@ -400,7 +376,7 @@ CNivexImage noise(unsigned seed)
 TEST_F(VideoWriter, TellsOfAFullDiskAndKeepsWhatFitted)
 {
     open(64, 48);
-    const Limit limit(RLIMIT_FSIZE, 100000);
+    const FileSizeLimit limit(100000);
     int taken = 0;
     const auto addMany = [&] {
         for (; taken < 500; ++taken)

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <stdlib.h>
-#include <sys/resource.h>
 
 #include <filesystem>
 #include <functional>
@@ -19,6 +17,7 @@
 
 #include "genapi/genapi.h"
 
+#include "../../filesizelimit.h"
 #include "../../framework/logcapture.h"
 #include "core/errors.h"
 #include "core/image.h"
@@ -56,29 +55,6 @@ public:
 private:
     std::string pattern_ = (fs::temp_directory_path() / "datawriter-XXXXXX").string();
     fs::path path_;
-};
-
-/// No file of the process may become larger than the limit, as on a full disk.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes) : handler_(signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit limit{bytes, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        signal(SIGXFSZ, handler_);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    rlimit before_{};
-    sighandler_t handler_;
 };
 
 /// A store in memory that keeps the order in which its keys were first set, with those of child stores.
