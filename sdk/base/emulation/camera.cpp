@@ -21,11 +21,6 @@ std::uint32_t natural(const RegisterBank& bank, Register reg)
     return static_cast<std::uint32_t>(bank.Integer(reg));
 }
 
-std::size_t pictureSize(const PictureSettings& picture)
-{
-    return (std::size_t{picture.width} * BitsPerPixel(picture.pixelType) + 7) / 8 * picture.height;
-}
-
 double exposureOf(const RegisterBank& bank)
 {
     return static_cast<double>(bank.Integer("ExposureTimeRaw"_reg)) / 10;
@@ -236,18 +231,6 @@ bool Camera::Settle()
     const bool heightChanged =
         fit(bank, "Height"_reg, "OffsetY"_reg, sensorHeight / bank.Integer("BinningVertical"_reg));
     return widthChanged || heightChanged;
-}
-
-std::size_t FrameSettings::PayloadSize() const
-{
-    std::size_t size = 0;
-    for (const auto& picture : pictures)
-        if (picture) size += pictureSize(*picture);
-    if (!hasChunks) return size;
-    size += trailerSize;
-    for (std::size_t i = 0; i < std::size(chunks); ++i)
-        if (chunkEnabled[i]) size += chunks[i].size + trailerSize;
-    return size;
 }
 
 std::size_t Camera::PayloadSizeLocked() const

@@ -10,8 +10,7 @@
 #include <string>
 
 #include "base/camerabackend.h"
-#include "base/emulation/frametables.h"
-#include "base/emulation/picturesource.h"
+#include "base/emulation/framesettings.h"
 #include "base/emulation/registerbank.h"
 
 namespace Nivex::Emulation {
@@ -42,25 +41,6 @@ struct Session
     std::uint64_t acquisition = 0;      ///< Counts starts, so that a new one is noticed.
     std::optional<std::uint64_t> toGo;  ///< Frames until the acquisition ends; none if it does not by itself.
     unsigned triggers = 0;              ///< That wait.
-};
-
-/// What the stream needs to know of the registers for a frame.
-struct FrameSettings
-{
-    std::array<std::optional<PictureSettings>, std::size(components)> pictures;  ///< Of enabled components.
-    std::array<bool, std::size(chunks)> chunkEnabled{};
-    bool hasChunks = false;
-    bool waitsForTrigger = false;
-    std::optional<double> frameRate;  ///< None: as fast as it can.
-    std::chrono::nanoseconds exposure{};
-    std::uint64_t failedEvery = 0;
-    const FrameFault* fault = nullptr;
-    std::uint64_t lostEvery = 0;
-    std::uint64_t lostNumber = 0;
-    std::uint64_t damagedEvery = 0;
-
-    /// Bytes of a frame.
-    std::size_t PayloadSize() const;
 };
 
 /// An emulated camera with its registers, which live on while nobody has it open. Shared by the back end and the

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "base/camerabackend.h"
-#include "base/emulation/camera.h"
+#include "base/emulation/framesettings.h"
 #include "base/emulation/frametables.h"
 #include "base/emulation/picturesource.h"
 
