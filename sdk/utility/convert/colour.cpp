@@ -119,7 +119,7 @@ void rgbToMonoRow(const T* __restrict red, const T* __restrict green, const T* _
 template <typename T>
 Channels<const T> rgbToMono(const Channels<const T>& line, std::size_t width, const Channels<T>& result)
 {
-    callWide<rgbToMonoRow<T>>(line[0], line[1], line[2], width, result[0]);
+    rgbToMonoRow(line[0], line[1], line[2], width, result[0]);
     return {result[0], result[0], result[0]};
 }
 
@@ -152,7 +152,7 @@ void rgbToYuvRow(const std::uint8_t* __restrict red, const std::uint8_t* __restr
 Channels<const std::uint8_t> rgbToYuv(const Channels<const std::uint8_t>& line, std::size_t width,
                                       const Channels<std::uint8_t>& result)
 {
-    callWide<rgbToYuvRow>(line[0], line[1], line[2], width, result[0], result[1], result[2]);
+    rgbToYuvRow(line[0], line[1], line[2], width, result[0], result[1], result[2]);
     return {result[0], result[1], result[2]};
 }
 
@@ -207,7 +207,7 @@ void demosaic(const RawWindow<T>& window, EBayerOrder order, std::size_t row, st
     const bool firstIsGreen = order == EBayerOrder::GR || order == EBayerOrder::GB;
     const bool hasRed = firstRowHasRed == (row % 2 == 0);
     const std::size_t greenColumn = (firstIsGreen ? 0 : 1) ^ (row % 2);
-    demosaicRow(window, greenColumn, width, hasRed ? rgb[0] : rgb[2], rgb[1], hasRed ? rgb[2] : rgb[0]);
+    wide<demosaicRow<T>>(window, greenColumn, width, hasRed ? rgb[0] : rgb[2], rgb[1], hasRed ? rgb[2] : rgb[0]);
 }
 
 template <typename T>
@@ -222,10 +222,10 @@ ColourStage<T> findColourStage(LineKind from, LineKind to)
 {
     if (from == to) return keep<T>;
     if (from == LineKind::Mono && to == LineKind::Rgb) return monoToRgb<T>;
-    if (from == LineKind::Rgb && to == LineKind::Mono) return rgbToMono<T>;
+    if (from == LineKind::Rgb && to == LineKind::Mono) return wide<rgbToMono<T>>;
     if constexpr (sizeof(T) == 1) {
-        if (from == LineKind::Yuv) return to == LineKind::Mono ? keep<T> : yuvToRgb;
-        return from == LineKind::Mono ? monoToYuv : rgbToYuv;
+        if (from == LineKind::Yuv) return to == LineKind::Mono ? keep<T> : wide<yuvToRgb>;
+        return from == LineKind::Mono ? monoToYuv : wide<rgbToYuv>;
     }
     return nullptr;
 }

@@ -104,7 +104,7 @@ void separate8(const std::uint8_t* __restrict from, std::size_t width, std::uint
 template <unsigned Components, unsigned R, unsigned B>
 void decodeColour8(const SourceRow& source, std::size_t width, const Channels<std::uint8_t>& line)
 {
-    callWide<separate8<Components, R, B>>(source.plane[0], width, line[0], line[1], line[2]);
+    separate8<Components, R, B>(source.plane[0], width, line[0], line[1], line[2]);
 }
 
 template <typename T, unsigned Depth, unsigned R, unsigned B>
@@ -212,19 +212,19 @@ void decodeHalfWidthChroma(const SourceRow& source, std::size_t width, const Cha
 }
 
 template <unsigned Depth>
-constexpr DecodeStages cells = {decodeCells<std::uint8_t, Depth>, decodeCells<std::uint16_t, Depth>};
+constexpr DecodeStages cells = {wide<decodeCells<std::uint8_t, Depth>>, wide<decodeCells<std::uint16_t, Depth>>};
 template <unsigned Depth, unsigned Group, unsigned (*Sample)(const std::uint8_t*, std::size_t)>
-constexpr DecodeStages groups = {decodeGroups<std::uint8_t, Depth, Group, Sample>,
-                                 decodeGroups<std::uint16_t, Depth, Group, Sample>};
+constexpr DecodeStages groups = {wide<decodeGroups<std::uint8_t, Depth, Group, Sample>>,
+                                 wide<decodeGroups<std::uint16_t, Depth, Group, Sample>>};
 constexpr DecodeStages lsb10 = groups<10, 4, lsbSample<10>>;
 constexpr DecodeStages lsb12 = groups<12, 2, lsbSample<12>>;
 constexpr DecodeStages gige10 = groups<10, 2, gigeSample<10>>;
 constexpr DecodeStages gige12 = groups<12, 2, gigeSample<12>>;
 template <unsigned Depth, unsigned R, unsigned B>
-constexpr DecodeStages colourCells = {decodeColourCells<std::uint8_t, Depth, R, B>,
-                                      decodeColourCells<std::uint16_t, Depth, R, B>};
-constexpr DecodeStages rgb12V1 = {decodeRgb12V1<std::uint8_t>, decodeRgb12V1<std::uint16_t>};
-constexpr DecodeStages planes16 = {decodePlanes16<std::uint8_t>, decodePlanes16<std::uint16_t>};
+constexpr DecodeStages colourCells = {wide<decodeColourCells<std::uint8_t, Depth, R, B>>,
+                                      wide<decodeColourCells<std::uint16_t, Depth, R, B>>};
+constexpr DecodeStages rgb12V1 = {wide<decodeRgb12V1<std::uint8_t>>, wide<decodeRgb12V1<std::uint16_t>>};
+constexpr DecodeStages planes16 = {wide<decodePlanes16<std::uint8_t>>, wide<decodePlanes16<std::uint16_t>>};
 
 using enum EPixelType;
 
@@ -242,9 +242,9 @@ constexpr std::array<EPixelType, 4> noBayer = {Undefined, Undefined, Undefined, 
 
 // clang-format off
 constexpr SampleFormats sampleFormats[] = {
-    {Mono1Packed, noBayer, 8, 8, {decodeBits<1>, nullptr}},
-    {Mono2Packed, noBayer, 8, 4, {decodeBits<2>, nullptr}},
-    {Mono4Packed, noBayer, 8, 2, {decodeBits<4>, nullptr}},
+    {Mono1Packed, noBayer, 8, 8, {wide<decodeBits<1>>, nullptr}},
+    {Mono2Packed, noBayer, 8, 4, {wide<decodeBits<2>>, nullptr}},
+    {Mono4Packed, noBayer, 8, 2, {wide<decodeBits<4>>, nullptr}},
     {Mono8, {BayerGR8, BayerRG8, BayerGB8, BayerBG8}, 8, 1, {decodeBytes, nullptr}},
     {Mono10, {BayerGR10, BayerRG10, BayerGB10, BayerBG10}, 10, 1, cells<10>},
     {Mono10Packed, {BayerGR10Packed, BayerRG10Packed, BayerGB10Packed, BayerBG10Packed}, 10, 2, gige10},
@@ -263,10 +263,10 @@ struct ColourFormat
 };
 
 constexpr ColourFormat colourFormats[] = {
-    {RGB8Packed, {LineKind::Rgb, 8, 1, {decodeColour8<3, 0, 2>, nullptr}}},
-    {BGR8Packed, {LineKind::Rgb, 8, 1, {decodeColour8<3, 2, 0>, nullptr}}},
-    {RGBA8Packed, {LineKind::Rgb, 8, 1, {decodeColour8<4, 0, 2>, nullptr}}},
-    {BGRA8Packed, {LineKind::Rgb, 8, 1, {decodeColour8<4, 2, 0>, nullptr}}},
+    {RGB8Packed, {LineKind::Rgb, 8, 1, {wide<decodeColour8<3, 0, 2>>, nullptr}}},
+    {BGR8Packed, {LineKind::Rgb, 8, 1, {wide<decodeColour8<3, 2, 0>>, nullptr}}},
+    {RGBA8Packed, {LineKind::Rgb, 8, 1, {wide<decodeColour8<4, 0, 2>>, nullptr}}},
+    {BGRA8Packed, {LineKind::Rgb, 8, 1, {wide<decodeColour8<4, 2, 0>>, nullptr}}},
     {RGB10Packed, {LineKind::Rgb, 10, 1, colourCells<10, 0, 2>}},
     {BGR10Packed, {LineKind::Rgb, 10, 1, colourCells<10, 2, 0>}},
     {RGB12Packed, {LineKind::Rgb, 12, 1, colourCells<12, 0, 2>}},
@@ -275,13 +275,13 @@ constexpr ColourFormat colourFormats[] = {
     {RGB16Packed, {LineKind::Rgb, 16, 1, colourCells<16, 0, 2>}},
     {RGB8Planar, {LineKind::Rgb, 8, 1, {decodePlanes8, nullptr}}},
     {RGB16Planar, {LineKind::Rgb, 16, 1, planes16}},
-    {YUV422Packed, {LineKind::Yuv, 8, 1, {decodeYuv422<1, 0, 2>, nullptr}}},
-    {YUV422_YUYV_Packed, {LineKind::Yuv, 8, 1, {decodeYuv422<0, 1, 3>, nullptr}}},
-    {YCbCr422_8_YY_CbCr_Semiplanar, {LineKind::Yuv, 8, 1, {decodeSemiplanar, nullptr}}},
-    {YCbCr420_8_YY_CbCr_Semiplanar, {LineKind::Yuv, 8, 1, {decodeSemiplanar, nullptr}}},
+    {YUV422Packed, {LineKind::Yuv, 8, 1, {wide<decodeYuv422<1, 0, 2>>, nullptr}}},
+    {YUV422_YUYV_Packed, {LineKind::Yuv, 8, 1, {wide<decodeYuv422<0, 1, 3>>, nullptr}}},
+    {YCbCr422_8_YY_CbCr_Semiplanar, {LineKind::Yuv, 8, 1, {wide<decodeSemiplanar>, nullptr}}},
+    {YCbCr420_8_YY_CbCr_Semiplanar, {LineKind::Yuv, 8, 1, {wide<decodeSemiplanar>, nullptr}}},
     {YUV444Planar, {LineKind::Yuv, 8, 1, {decodePlanes8, nullptr}}},
-    {YUV422Planar, {LineKind::Yuv, 8, 1, {decodeHalfWidthChroma, nullptr}}},
-    {YUV420Planar, {LineKind::Yuv, 8, 1, {decodeHalfWidthChroma, nullptr}}},
+    {YUV422Planar, {LineKind::Yuv, 8, 1, {wide<decodeHalfWidthChroma>, nullptr}}},
+    {YUV420Planar, {LineKind::Yuv, 8, 1, {wide<decodeHalfWidthChroma>, nullptr}}},
 };
 // clang-format on
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "utility/convert/widevectors.h"
+
 namespace Nivex::Pixels {
 namespace {
 
@@ -116,17 +118,17 @@ void encodeYuv420(const Lines8* lines, std::size_t width, unsigned, const Destin
 using enum EPixelType;
 
 constexpr OutputFormat outputFormats[] = {
-    {BGRA8Packed, LineKind::Rgb, 8, 1, encodeColour8<4, 2, 0>, nullptr},
-    {BGR8Packed, LineKind::Rgb, 8, 1, encodeColour8<3, 2, 0>, nullptr},
+    {BGRA8Packed, LineKind::Rgb, 8, 1, wide<encodeColour8<4, 2, 0>>, nullptr},
+    {BGR8Packed, LineKind::Rgb, 8, 1, wide<encodeColour8<3, 2, 0>>, nullptr},
     {Mono8, LineKind::Mono, 8, 1, encodeMono8, nullptr},
-    {Mono16, LineKind::Mono, 16, 1, encodeMono16<std::uint8_t>, encodeMono16<std::uint16_t>},
-    {RGB8Packed, LineKind::Rgb, 8, 1, encodeColour8<3, 0, 2>, nullptr},
-    {RGB16Packed, LineKind::Rgb, 16, 1, encodeRgb16<std::uint8_t>, encodeRgb16<std::uint16_t>},
+    {Mono16, LineKind::Mono, 16, 1, wide<encodeMono16<std::uint8_t>>, wide<encodeMono16<std::uint16_t>>},
+    {RGB8Packed, LineKind::Rgb, 8, 1, wide<encodeColour8<3, 0, 2>>, nullptr},
+    {RGB16Packed, LineKind::Rgb, 16, 1, wide<encodeRgb16<std::uint8_t>>, wide<encodeRgb16<std::uint16_t>>},
     {RGB8Planar, LineKind::Rgb, 8, 1, encodePlanes8, nullptr},
-    {RGB16Planar, LineKind::Rgb, 16, 1, encodePlanes16<std::uint8_t>, encodePlanes16<std::uint16_t>},
+    {RGB16Planar, LineKind::Rgb, 16, 1, wide<encodePlanes16<std::uint8_t>>, wide<encodePlanes16<std::uint16_t>>},
     {YUV444Planar, LineKind::Yuv, 8, 1, encodePlanes8, nullptr},
-    {YUV422Planar, LineKind::Yuv, 8, 1, encodeYuv422, nullptr},
-    {YUV420Planar, LineKind::Yuv, 8, 2, encodeYuv420, nullptr},
+    {YUV422Planar, LineKind::Yuv, 8, 1, wide<encodeYuv422>, nullptr},
+    {YUV420Planar, LineKind::Yuv, 8, 2, wide<encodeYuv420>, nullptr},
 };
 
 }  // namespace

@@ -2,39 +2,38 @@
 
 namespace Nivex::Pixels {
 
-#if defined(__x86_64__)
-
 namespace Detail {
 
-template <auto function, typename... Arguments>
-[[gnu::target("avx2"), gnu::flatten]] void callForAvx2(Arguments... arguments)
+template <auto function>
+struct Wide;
+
+template <typename Result, typename... Arguments, Result (*function)(Arguments...)>
+struct Wide<function>
 {
-    function(arguments...);
-}
+#if defined(__x86_64__)
+    [[gnu::target("avx2"), gnu::flatten]] static Result callForAvx2(Arguments... arguments)
+    {
+        return function(arguments...);
+    }
+
+    static Result call(Arguments... arguments)
+    {
+        static const bool hasAvx2 = __builtin_cpu_supports("avx2");
+        return hasAvx2 ? callForAvx2(arguments...) : function(arguments...);
+    }
+#else
+    static Result call(Arguments... arguments)
+    {
+        return function(arguments...);
+    }
+#endif
+};
 
 }  // namespace Detail
 
-/// Calls a row function that the compiler makes vector code of: one compiled for AVX2 on processors that have it,
-/// else the one for all processors. Both give the same.
-template <auto function, typename... Arguments>
-void callWide(Arguments... arguments)
-{
-    static const bool hasAvx2 = __builtin_cpu_supports("avx2");
-    if (hasAvx2) {
-        Detail::callForAvx2<function>(arguments...);
-    } else {
-        function(arguments...);
-    }
-}
-
-#else
-
-template <auto function, typename... Arguments>
-void callWide(Arguments... arguments)
-{
-    function(arguments...);
-}
-
-#endif
+/// A row function that the compiler makes vector code of, with the same results: on processors that have AVX2 it
+/// is one compiled for that, everything that it calls inline, else the one for all processors.
+template <auto function>
+constexpr auto wide = Detail::Wide<function>::call;
 
 }  // namespace Nivex::Pixels
