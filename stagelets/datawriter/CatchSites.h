@@ -11,24 +11,24 @@ namespace Plugin::NivexStageletPackageBase {
 /// The node's log channel.
 Nivex::DataProcessing::Utils::CatId dataWriterChannel();
 
-/// What is logged for an exception that one place caught: "%p" is the object it was caught in, "%s" the message.
+/// One place where exceptions are caught, as the log tells it.
 struct CatchSite
 {
-    const char* known;
-    const char* unknown;
+    const char* activity;               ///< As in "creating session folder".
+    const char* object = "DataWriter";  ///< What the object is that it is caught in.
     Nivex::DataProcessing::Utils::CatId (*channel)() = dataWriterChannel;
 };
 
 namespace CatchSites {
-extern const CatchSite sessionFolder;
-extern const CatchSite beginSessionImage;
-extern const CatchSite beginSessionText;
-extern const CatchSite beginSessionVideo;
-extern const CatchSite recordFolder;
-extern const CatchSite beginRecord;
-extern const CatchSite writeData;
-extern const CatchSite endRecord;
-extern const CatchSite endSession;
+inline constexpr CatchSite sessionFolder{"creating session folder"};
+inline constexpr CatchSite beginSessionImage{"starting image media writer session"};
+inline constexpr CatchSite beginSessionText{"starting text media writer session"};
+inline constexpr CatchSite beginSessionVideo{"starting video media writer session"};
+inline constexpr CatchSite recordFolder{"creating record folder"};
+inline constexpr CatchSite beginRecord{"starting media writer record"};
+inline constexpr CatchSite writeData{"writing media writer data"};
+inline constexpr CatchSite endRecord{"ending media writer record"};
+inline constexpr CatchSite endSession{"ending media writer session"};
 }  // namespace CatchSites
 
 void logCaught(const CatchSite& site, const void* object, const char* message) noexcept;

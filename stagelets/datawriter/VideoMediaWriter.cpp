@@ -27,12 +27,9 @@ Utils::CatId videoChannel()
     return id;
 }
 
-const CatchSite openSite{"DataWriterVideo %p: Exception caught while opening video. Message: %s",
-                         "DataWriterVideo %p: Unknown exception caught while opening video.", videoChannel};
-const CatchSite addSite{"DataWriterVideo %p: Exception caught while adding image to video. Message: %s",
-                        "DataWriterVideo %p: Unknown exception caught while adding image to video.", videoChannel};
-const CatchSite closeSite{"DataWriterVideo %p: Exception caught while closing video. Message: %s",
-                          "DataWriterVideo %p: Unknown exception caught while closing video.", videoChannel};
+constexpr CatchSite openSite{"opening video", "DataWriterVideo", videoChannel};
+constexpr CatchSite addSite{"adding image to video", "DataWriterVideo", videoChannel};
+constexpr CatchSite closeSite{"closing video", "DataWriterVideo", videoChannel};
 
 bool isSupported(EPixelType pixelType)
 {
