@@ -77,11 +77,9 @@ void DataWriterNodeMapBase::addText(const Row& row, std::uint64_t maxLength, boo
     addRow(row, std::make_shared<Relay>(*this, row.texts(), maxLength, row.flags(isWritable)));
 }
 
-template <auto read, auto write, typename Entries>
-void DataWriterNodeMapBase::addEnumeration(const Row& row, const Entries& entries)
+template <auto read, auto write, typename E, std::size_t count>
+void DataWriterNodeMapBase::addEnumeration(const Row& row, const std::array<EnumEntryRow<E>, count>& entries)
 {
-    using Value = decltype(entries[0].value);
-    using E = std::remove_cvref_t<Value>;
     using Relay = Adapter::EnumParameterPortRelay<E, DataWriterNodeMapBase, read, write>;
     addRow(row, std::make_shared<Relay>(*this, row.texts(), row.flags()));
     addEntries<E>(row.name, entries);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -97,8 +98,8 @@ private:
     void addFloat(const Row& row, const FloatRange& range, const char* representation);
     template <auto read, auto write>
     void addText(const Row& row, std::uint64_t maxLength, bool isWritable = true);
-    template <auto read, auto write, typename Entries>
-    void addEnumeration(const Row& row, const Entries& entries);
+    template <auto read, auto write, typename E, std::size_t count>
+    void addEnumeration(const Row& row, const std::array<EnumEntryRow<E>, count>& entries);
     template <typename Port>
     void addRow(const Row& row, const std::shared_ptr<Port>& port);
 

@@ -10,121 +10,102 @@
 
 namespace Plugin::NivexStageletPackageBase::DataWriterParameters {
 
-inline constexpr std::array recordPeriodUnits = {
-    EnumEntryRow<RecordPeriodUnit>{RecordPeriodUnit::Update, "Update", "Update",
-                                   "Record data on every nth update.", ""},
-    EnumEntryRow<RecordPeriodUnit>{RecordPeriodUnit::Milliseconds, "Milliseconds", "Milliseconds",
-                                   "Record data at intervals specified in milliseconds.", ""},
-    EnumEntryRow<RecordPeriodUnit>{RecordPeriodUnit::Seconds, "Seconds", "Seconds",
-                                   "Record data at intervals specified in seconds.", ""},
-    EnumEntryRow<RecordPeriodUnit>{RecordPeriodUnit::Minute, "Minute", "Minute",
-                                   "Record data at intervals specified in minutes.", ""},
-    EnumEntryRow<RecordPeriodUnit>{RecordPeriodUnit::Hours, "Hours", "Hours",
-                                   "Record data at intervals specified in hours.", ""},
-};
+inline constexpr auto recordPeriodUnits = std::to_array<EnumEntryRow<RecordPeriodUnit>>({
+    {RecordPeriodUnit::Update, "Update", "Update", "Record data on every nth update.", ""},
+    {RecordPeriodUnit::Milliseconds, "Milliseconds", "Milliseconds",
+     "Record data at intervals specified in milliseconds.", ""},
+    {RecordPeriodUnit::Seconds, "Seconds", "Seconds", "Record data at intervals specified in seconds.", ""},
+    {RecordPeriodUnit::Minute, "Minute", "Minute", "Record data at intervals specified in minutes.", ""},
+    {RecordPeriodUnit::Hours, "Hours", "Hours", "Record data at intervals specified in hours.", ""},
+});
 
-inline constexpr std::array recordTriggerSelectors = {
-    EnumEntryRow<RecordTriggerSelector>{RecordTriggerSelector::HasError, "HasError", "Has Error",
-                                        "Trigger when an error is present.", ""},
-    EnumEntryRow<RecordTriggerSelector>{RecordTriggerSelector::HasErrorRecursive, "HasErrorRecursive",
-                                        "Has Error Recursive",
-                                        "Trigger when an error is present in any nested item.", ""},
-    EnumEntryRow<RecordTriggerSelector>{RecordTriggerSelector::ArrayHasItems, "ArrayHasItems", "Array Has Items",
-                                        "Trigger when the array contains items.", ""},
-    EnumEntryRow<RecordTriggerSelector>{RecordTriggerSelector::DataPresent, "DataPresent", "Data Present",
-                                        "Trigger when data is present.", ""},
-    EnumEntryRow<RecordTriggerSelector>{
-        RecordTriggerSelector::BoolValue, "BoolValue", "Bool Value",
-        "Trigger based on a boolean value. The input must have a boolean or integer type.", ""},
-};
+inline constexpr auto recordTriggerSelectors = std::to_array<EnumEntryRow<RecordTriggerSelector>>({
+    {RecordTriggerSelector::HasError, "HasError", "Has Error", "Trigger when an error is present.", ""},
+    {RecordTriggerSelector::HasErrorRecursive, "HasErrorRecursive", "Has Error Recursive",
+     "Trigger when an error is present in any nested item.", ""},
+    {RecordTriggerSelector::ArrayHasItems, "ArrayHasItems", "Array Has Items",
+     "Trigger when the array contains items.", ""},
+    {RecordTriggerSelector::DataPresent, "DataPresent", "Data Present", "Trigger when data is present.", ""},
+    {RecordTriggerSelector::BoolValue, "BoolValue", "Bool Value",
+     "Trigger based on a boolean value. The input must have a boolean or integer type.", ""},
+});
 
-inline constexpr std::array recordTriggerEnables = {
-    EnumEntryRow<RecordTriggerEnable>{RecordTriggerEnable::On, "On", "On", "Enable the record trigger.", ""},
-    EnumEntryRow<RecordTriggerEnable>{RecordTriggerEnable::OnInverted, "OnInverted", "On Inverted",
-                                      "Enable the record trigger with inverted logic.", ""},
-    EnumEntryRow<RecordTriggerEnable>{RecordTriggerEnable::Off, "Off", "Off", "Disable the record trigger.", ""},
-};
+inline constexpr auto recordTriggerEnables = std::to_array<EnumEntryRow<RecordTriggerEnable>>({
+    {RecordTriggerEnable::On, "On", "On", "Enable the record trigger.", ""},
+    {RecordTriggerEnable::OnInverted, "OnInverted", "On Inverted",
+     "Enable the record trigger with inverted logic.", ""},
+    {RecordTriggerEnable::Off, "Off", "Off", "Disable the record trigger.", ""},
+});
 
-inline constexpr std::array writeEnables = {
-    EnumEntryRow<WriteEnable>{WriteEnable::On, "On", "On", "Activates writing of data for the selected pin.", ""},
-    EnumEntryRow<WriteEnable>{WriteEnable::Off, "Off", "Off", "Deactivates writing of data for the selected pin.",
-                              ""},
-};
+inline constexpr auto writeEnables = std::to_array<EnumEntryRow<WriteEnable>>({
+    {WriteEnable::On, "On", "On", "Activates writing of data for the selected pin.", ""},
+    {WriteEnable::Off, "Off", "Off", "Deactivates writing of data for the selected pin.", ""},
+});
 
-inline constexpr std::array useMediaWriterEnables = {
-    EnumEntryRow<UseMediaWriterEnable>{UseMediaWriterEnable::On, "On", "On", "Enable writing to media writer.",
-                                       ""},
-    EnumEntryRow<UseMediaWriterEnable>{UseMediaWriterEnable::Off, "Off", "Off", "Disable writing to media writer.",
-                                       ""},
-};
+inline constexpr auto useMediaWriterEnables = std::to_array<EnumEntryRow<UseMediaWriterEnable>>({
+    {UseMediaWriterEnable::On, "On", "On", "Enable writing to media writer.", ""},
+    {UseMediaWriterEnable::Off, "Off", "Off", "Disable writing to media writer.", ""},
+});
 
-inline constexpr std::array textFormatSelectors = {
-    EnumEntryRow<TextFormatSelector>{TextFormatSelector::TextFormat_SessionBegin, "TextFormat_SessionBegin",
-                                     "Session Begin", "Format for the begin session section.", ""},
-    EnumEntryRow<TextFormatSelector>{TextFormatSelector::TextFormat_RecordBegin, "TextFormat_RecordBegin",
-                                     "Record Begin", "Format for the begin record section.", ""},
-    EnumEntryRow<TextFormatSelector>{TextFormatSelector::TextFormat_ArrayBegin, "TextFormat_ArrayBegin",
-                                     "Array Begin", "Format for the begin array section.", ""},
-    EnumEntryRow<TextFormatSelector>{TextFormatSelector::TextFormat_DataBegin, "TextFormat_DataBegin",
-                                     "Data Begin", "Format for the begin data section.", ""},
-    EnumEntryRow<TextFormatSelector>{TextFormatSelector::TextFormat_Data, "TextFormat_Data", "Data",
-                                     "Format for the main data section.", ""},
+inline constexpr auto textFormatSelectors = std::to_array<EnumEntryRow<TextFormatSelector>>({
+    {TextFormatSelector::TextFormat_SessionBegin, "TextFormat_SessionBegin", "Session Begin",
+     "Format for the begin session section.", ""},
+    {TextFormatSelector::TextFormat_RecordBegin, "TextFormat_RecordBegin", "Record Begin",
+     "Format for the begin record section.", ""},
+    {TextFormatSelector::TextFormat_ArrayBegin, "TextFormat_ArrayBegin", "Array Begin",
+     "Format for the begin array section.", ""},
+    {TextFormatSelector::TextFormat_DataBegin, "TextFormat_DataBegin", "Data Begin",
+     "Format for the begin data section.", ""},
+    {TextFormatSelector::TextFormat_Data, "TextFormat_Data", "Data", "Format for the main data section.", ""},
     // sic: the ends of array and data stand in another order than their values
-    EnumEntryRow<TextFormatSelector>{TextFormatSelector::TextFormat_ArrayEnd, "TextFormat_ArrayEnd", "Array End",
-                                     "Format for the end array section.", ""},
-    EnumEntryRow<TextFormatSelector>{TextFormatSelector::TextFormat_DataEnd, "TextFormat_DataEnd", "Data End",
-                                     "Format for the end data section.", ""},
-    EnumEntryRow<TextFormatSelector>{TextFormatSelector::TextFormat_RecordEnd, "TextFormat_RecordEnd",
-                                     "Record End", "Format for the end record section.", ""},
-    EnumEntryRow<TextFormatSelector>{TextFormatSelector::TextFormat_SessionEnd, "TextFormat_SessionEnd",
-                                     "Session End", "Format for the end session section.", ""},
-};
+    {TextFormatSelector::TextFormat_ArrayEnd, "TextFormat_ArrayEnd", "Array End",
+     "Format for the end array section.", ""},
+    {TextFormatSelector::TextFormat_DataEnd, "TextFormat_DataEnd", "Data End", "Format for the end data section.",
+     ""},
+    {TextFormatSelector::TextFormat_RecordEnd, "TextFormat_RecordEnd", "Record End",
+     "Format for the end record section.", ""},
+    {TextFormatSelector::TextFormat_SessionEnd, "TextFormat_SessionEnd", "Session End",
+     "Format for the end session section.", ""},
+});
 
-inline constexpr std::array mediaTypes = {
-    EnumEntryRow<MediaType>{MediaType::MP4, "MP4", "MP4",
-                            "Write data as MP4. Indicates that the data will be saved in the MP4 video format.",
-                            ""},
-    EnumEntryRow<MediaType>{
-        MediaType::BMP, "BMP", "BMP",
-        "Write data as BMP. Indicates that the data will be saved as a BMP (Bitmap) image file.", ""},
-    EnumEntryRow<MediaType>{MediaType::TIFF, "TIFF", "TIFF",
-                            "Write data as TIFF. Indicates that the data will be saved as a TIFF (Tagged Image "
-                            "File Format) image file.",
-                            ""},
-    EnumEntryRow<MediaType>{MediaType::JPEG, "JPEG", "JPEG",
-                            "Write data as JPEG. Indicates that the data will be saved as a JPEG (Joint "
-                            "Photographic Experts Group) image file.",
-                            ""},
-    EnumEntryRow<MediaType>{MediaType::PNG, "PNG", "PNG",
-                            "Write data as PNG. Indicates that the data will be saved as a PNG (Portable Network "
-                            "Graphics) image file.",
-                            ""},
-    EnumEntryRow<MediaType>{MediaType::RAW, "RAW", "RAW",
-                            "Write data as RAW. This is the content of the image buffer without header.", ""},
-    EnumEntryRow<MediaType>{
-        MediaType::DNG, "DNG", "DNG",
-        "Write data as DNG. Indicates that the data will be saved as a DNG (Digital Negative) file.", ""},
-    EnumEntryRow<MediaType>{MediaType::TXT, "TXT", "TXT",
-                            "Write data as text file. Indicates that the data will be saved as a plain text file.",
-                            ""},
-};
+inline constexpr auto mediaTypes = std::to_array<EnumEntryRow<MediaType>>({
+    {MediaType::MP4, "MP4", "MP4",
+     "Write data as MP4. Indicates that the data will be saved in the MP4 video format.", ""},
+    {MediaType::BMP, "BMP", "BMP",
+     "Write data as BMP. Indicates that the data will be saved as a BMP (Bitmap) image file.", ""},
+    {MediaType::TIFF, "TIFF", "TIFF",
+     "Write data as TIFF. Indicates that the data will be saved as a TIFF (Tagged Image "
+     "File Format) image file.",
+     ""},
+    {MediaType::JPEG, "JPEG", "JPEG",
+     "Write data as JPEG. Indicates that the data will be saved as a JPEG (Joint "
+     "Photographic Experts Group) image file.",
+     ""},
+    {MediaType::PNG, "PNG", "PNG",
+     "Write data as PNG. Indicates that the data will be saved as a PNG (Portable Network "
+     "Graphics) image file.",
+     ""},
+    {MediaType::RAW, "RAW", "RAW", "Write data as RAW. This is the content of the image buffer without header.",
+     ""},
+    {MediaType::DNG, "DNG", "DNG",
+     "Write data as DNG. Indicates that the data will be saved as a DNG (Digital Negative) file.", ""},
+    {MediaType::TXT, "TXT", "TXT",
+     "Write data as text file. Indicates that the data will be saved as a plain text file.", ""},
+});
 
-inline constexpr std::array fileScopes = {
-    EnumEntryRow<FileScope>{FileScope::Session, "Session", "Session",
-                            "Write data to one file for the entire session.", ""},
-    EnumEntryRow<FileScope>{FileScope::Record, "Record", "Record", "Write data to one file for each record.", ""},
-    EnumEntryRow<FileScope>{FileScope::DataItem, "DataItem", "Data Item",
-                            "Write data to one file for each data item.", ""},
-};
+inline constexpr auto fileScopes = std::to_array<EnumEntryRow<FileScope>>({
+    {FileScope::Session, "Session", "Session", "Write data to one file for the entire session.", ""},
+    {FileScope::Record, "Record", "Record", "Write data to one file for each record.", ""},
+    {FileScope::DataItem, "DataItem", "Data Item", "Write data to one file for each data item.", ""},
+});
 
-inline constexpr std::array fileModes = {
-    EnumEntryRow<FileMode>{FileMode::Create, "Create", "Create", "Create a new file and overwrite if it exists.",
-                           ""},
-    EnumEntryRow<FileMode>{FileMode::CreateThenAppend, "CreateThenAppend", "Create Then Append",
-                           "Create a new file if it does not exist, otherwise append to the existing file.", ""},
-    EnumEntryRow<FileMode>{FileMode::Append, "Append", "Append",
-                           "Append data to an existing file, or create a new file if it does not exist.", ""},
-};
+inline constexpr auto fileModes = std::to_array<EnumEntryRow<FileMode>>({
+    {FileMode::Create, "Create", "Create", "Create a new file and overwrite if it exists.", ""},
+    {FileMode::CreateThenAppend, "CreateThenAppend", "Create Then Append",
+     "Create a new file if it does not exist, otherwise append to the existing file.", ""},
+    {FileMode::Append, "Append", "Append",
+     "Append data to an existing file, or create a new file if it does not exist.", ""},
+});
 
 /// The help for templates; a section of its own in the description, as it holds markup characters.
 inline constexpr const char* textFormatHelp =
