@@ -159,6 +159,9 @@ Document::Document(const void* data, std::size_t size) : impl_(std::make_unique<
     if (size > maxSize)
         GENICAM_THROW(RuntimeException, "Register description: it has %zu bytes; at most %zu are supported.", size,
                       maxSize);
+    // Descriptions are met that are filled up with zeros to the size of their file or memory.
+    while (size > 0 && static_cast<const char*>(data)[size - 1] == '\0')
+        --size;
     requireWellFormed(data, size);
     impl_->starts = lineStarts(std::string_view(static_cast<const char*>(data), size));
     const pugi::xml_parse_result result = impl_->document.load_buffer(data, size, pugi::parse_default);

@@ -59,7 +59,7 @@ double CFloatRegNode::MaxFloat()
 bool CFloatRegNode::TakeElement(ElementReader& element)
 {
     if (!element.IsOneOf({"Endianess", "Endianness"})) return CRegisterOf::TakeElement(element);
-    endianess_ = element.WordOf(endianesses);
+    endianess_ = element.WordOf(endianesses, endianess_);
     return true;
 }
 

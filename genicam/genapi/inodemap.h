@@ -25,6 +25,7 @@ public:
     virtual bool Connect(IPort* port) const = 0;
     virtual gcstring GetDeviceName() const = 0;
     /// Tells the map that so many milliseconds have passed: nodes whose polling time has run out are invalidated.
+    /// A command asks the device whether it is done; if that fails, the others are polled before it passes.
     virtual void Poll(int64_t elapsedMs) = 0;
     virtual CLock& GetLock() const = 0;
     virtual uint64_t GetNumNodes() const = 0;

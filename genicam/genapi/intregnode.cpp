@@ -89,10 +89,10 @@ int64_t CIntRegNode::MaxInteger()
 
 bool CIntRegNode::TakeElement(ElementReader& element)
 {
-    if (element.Is("Sign")) sign_ = element.WordOf(signs);
+    if (element.Is("Sign")) sign_ = element.WordOf(signs, sign_);
     // The schema's spelling; the other is met in the field.
     else if (element.IsOneOf({"Endianess", "Endianness"}))
-        endianess_ = element.WordOf(endianesses);
+        endianess_ = element.WordOf(endianesses, endianess_);
     else
         return CRegisterOf::TakeElement(element);
     return true;
@@ -120,16 +120,24 @@ void CMaskedIntRegNode::Finish(ElementReader& own)
 {
     CIntRegNode::Finish(own);
     if (!lsb_ || !msb_) own.Refuse("it has neither <Bit> nor both <LSB> and <MSB>");
-    if (!Register().HasFixedLength()) own.Refuse("it must have a fixed <Length>");
-    const int64_t bits = 8 * Register().Length();
+    if (!Register().HasFixedLength()) return;
+    if (const auto fault = FieldFault(Register().Length())) own.Refuse(*fault);
+}
+
+std::optional<std::string> CMaskedIntRegNode::FieldFault(int64_t length) const
+{
+    const int64_t bits = 8 * length;
     for (const int64_t bit : {*lsb_, *msb_})
         if (bit < 0 || bit >= bits)
-            own.Refuse(GenICam::formatText("bit %lld is none of its %lld bits", static_cast<long long>(bit),
-                                           static_cast<long long>(bits)));
+            return GenICam::formatText("bit %lld is none of its %lld bits", static_cast<long long>(bit),
+                                       static_cast<long long>(bits));
+    return std::nullopt;
 }
 
 CIntRegNode::Field CMaskedIntRegNode::ValueField(int64_t length) const
 {
+    if (const auto fault = FieldFault(length))
+        GENICAM_THROW(RuntimeException, "Node \"%s\": %s.", Name().c_str(), fault->c_str());
     // In a big-endian register bit 0 is the most significant one.
     const int64_t top = 8 * length - 1;
     const int64_t lsb = Endianess() == BigEndian ? top - *lsb_ : *lsb_;

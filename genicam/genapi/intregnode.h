@@ -59,6 +59,9 @@ protected:
     void Written(uint64_t word, int64_t address) override;
 
 private:
+    /// Why there is no such field in a register of that many bytes, if so.
+    std::optional<std::string> FieldFault(int64_t length) const;
+
     std::optional<int64_t> lsb_;
     std::optional<int64_t> msb_;
 };

@@ -118,12 +118,13 @@ void CNodeBase::RequireWritable() const
                       ToText(mode));
 }
 
-void CNodeBase::CheckErrors() const
+void CNodeBase::CheckErrors()
 {
     for (CEnumerationNode* error : errors_) {
         error->RequireReadable();
         if (error->ReadInteger(true) == 0) continue;
         const INode& entry = error->CurrentEntry(true);
+        map_.Invalidate(*this, true);
         GENICAM_THROW(RuntimeException, "Writing node \"%s\" failed: %s reports %s. %s", name_.c_str(),
                       error->Name().c_str(), entry.GetDisplayName().c_str(), entry.GetToolTip().c_str());
     }
@@ -145,7 +146,7 @@ bool CNodeBase::TakeElement(ElementReader& element)
         eventId_ = gcstring(element.Text());
         eventNumber_ = element.HexDigits();
     } else if (element.Is("ImposedAccessMode"))
-        imposed_ = element.AccessMode();
+        imposed_ = element.AccessMode(imposed_);
     else if (element.Is("PollingTime"))
         pollingTime_ = std::max<int64_t>(element.Integer(), 0);
     else

@@ -93,8 +93,8 @@ public:
     EAccessMode Mode() const;
     void RequireReadable() const;
     void RequireWritable() const;
-    /// Raises what the nodes named by pError report after a write of this one.
-    void CheckErrors() const;
+    /// Raises what the nodes named by pError report after a write of this one, whose value then is not cached.
+    void CheckErrors();
 
     /// Null unless a reference may take the node's number, or text.
     virtual INumber* AsNumber() { return nullptr; }

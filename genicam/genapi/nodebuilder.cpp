@@ -170,7 +170,7 @@ double ElementReader::Float() const
 
 bool ElementReader::YesNo() const
 {
-    return WordOf(yesNo);
+    return WordOf(yesNo, false);
 }
 
 bool ElementReader::Boolean() const
@@ -180,9 +180,9 @@ bool ElementReader::Boolean() const
     return *value;
 }
 
-EAccessMode ElementReader::AccessMode() const
+EAccessMode ElementReader::AccessMode(EAccessMode ifEmpty) const
 {
-    return WordOf(accessModes);
+    return WordOf(accessModes, ifEmpty);
 }
 
 NumberRef ElementReader::NumberOf(std::string_view name, Link link) const

@@ -58,7 +58,7 @@ public:
     double Float() const;
     bool YesNo() const;
     bool Boolean() const;
-    EAccessMode AccessMode() const;
+    EAccessMode AccessMode(EAccessMode ifEmpty) const;
 
     /// The value of the word; `otherwise` for an empty or unknown one.
     template <typename Value, std::size_t N>
@@ -68,10 +68,11 @@ public:
             if (word.text == text_) return word.value;
         return otherwise;
     }
-    /// The value of the word, which must be known.
+    /// The value of the word, which must be known; an element without a text means its default.
     template <typename Value, std::size_t N>
-    Value WordOf(const Word<Value> (&words)[N]) const
+    Value WordOf(const Word<Value> (&words)[N], Value ifEmpty) const
     {
+        if (text_.empty()) return ifEmpty;
         for (const auto& word : words)
             if (word.text == text_) return word.value;
         RefuseWord();

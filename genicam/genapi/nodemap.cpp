@@ -31,7 +31,7 @@ CNodeMap::Operation::~Operation()
     // The operation failed, and its own exception is on its way: one of a callback cannot be raised beside it.
     const Calls calls = map_.Leave(outerSteps_);
     if (calls.empty()) return;
-    const auto keptAlive = map_.shared_from_this();
+    const auto keptAlive = map_.weak_from_this().lock();  // null while the map ends
     callAll(calls);
 }
 
@@ -40,7 +40,7 @@ void CNodeMap::Operation::Finish()
     finished_ = true;
     const Calls calls = map_.Leave(outerSteps_);
     if (calls.empty()) return;
-    const auto keptAlive = map_.shared_from_this();
+    const auto keptAlive = map_.weak_from_this().lock();
     if (const std::exception_ptr failure = callAll(calls)) std::rethrow_exception(failure);
 }
 
@@ -52,8 +52,15 @@ CNodeMap::CNodeMap(gcstring deviceName, CLock* lock, gcstring descriptionText)
 
 CNodeMap::~CNodeMap()
 {
-    for (const auto& node : nodes_)
-        if (CPortNode* port = node->AsPort()) port->LetGo();
+    for (const auto& node : nodes_) {
+        try {
+            if (CPortNode* port = node->AsPort()) port->LetGo();
+        } catch (...) {
+            // The port is let go of all the same; its failure has no caller to go to, and the others must hear,
+            // too.
+            continue;
+        }
+    }
 }
 
 CNodeMap& CNodeMap::Of(INodeMap& map)
@@ -113,8 +120,15 @@ void CNodeMap::Poll(int64_t elapsedMs)
         GENICAM_THROW(InvalidArgumentException, "A poll after %lld ms: time must not run backwards.",
                       static_cast<long long>(elapsedMs));
     Operate([&] {
-        for (CNodeBase* node : polled_)
-            if (node->PollIsDue(elapsedMs)) Invalidate(*node, true);
+        std::exception_ptr first;
+        for (CNodeBase* node : polled_) {
+            try {
+                if (node->PollIsDue(elapsedMs)) Invalidate(*node, true);
+            } catch (...) {
+                if (!first) first = std::current_exception();
+            }
+        }
+        if (first) std::rethrow_exception(first);
     });
 }
 

@@ -30,11 +30,11 @@ bool RegisterAccess::TakeElement(ElementReader& element)
     else if (element.Is("pLength"))
         length_.Refer(element.Number(Link::Parameter));
     else if (element.Is("AccessMode"))
-        declared_ = element.AccessMode();
+        declared_ = element.AccessMode(declared_);
     else if (element.Is("pPort"))
         port_ = &element.Port();
     else if (element.Is("Cachable"))
-        caching_ = element.AnyWordOf(cachingModes, NoCache);
+        caching_ = element.AnyWordOf(cachingModes, element.Text().empty() ? caching_ : NoCache);
     else if (element.Is("IntSwissKnife"))
         parts_.push_back({element.NumberOf(element.Attribute("Name"), Link::Parameter), {}, false});
     else

@@ -125,6 +125,7 @@ std::optional<double> ParseFloat(std::string_view text)
         const auto whole = ParseInteger(text);
         return whole ? std::optional(static_cast<double>(*whole)) : std::nullopt;
     }
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
     return parseWhole<double>(text, std::chars_format::general);
 }
 

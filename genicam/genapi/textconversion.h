@@ -24,7 +24,7 @@ std::optional<int64_t> ParseInteger(std::string_view text, ERepresentation repre
 std::optional<uint64_t> ParseHexDigits(std::string_view text);
 std::string FormatInteger(int64_t value, ERepresentation representation);
 
-/// A decimal number with or without fraction and exponent, `INF`, `-INF`, `NaN`, or what ParseInteger reads.
+/// A decimal number with or without sign, fraction and exponent, `INF`, `-INF`, `NaN`, or what ParseInteger reads.
 std::optional<double> ParseFloat(std::string_view text);
 /// The shortest text that reads back as `value`.
 std::string FormatFloat(double value);

@@ -36,7 +36,7 @@ TEST(AccessModes, FollowRegisterPortAndPredicates)
                  {"RW", "RW", RW, 1, 1, 1, RO},  {"WO", "RW", RW, 1, 1, 1, NA}, {"WO", "RW", RW, 1, 1, 0, WO},
                  {"RO", "RW", RW, 2, -1, 0, RO}, {"RW", "RO", RW, 1, 1, 0, RO}, {"RW", "WO", RW, 1, 1, 1, NA},
                  {"RO", "WO", RW, 1, 1, 0, NA},  {"RW", "RW", RO, 1, 1, 0, RO}, {"RW", "RW", NA, 1, 1, 0, NA},
-                 {"R", "RW", RW, 1, 1, 0, RO},   {"W", "RW", RW, 1, 1, 0, WO}};
+                 {"R", "RW", RW, 1, 1, 0, RO},   {"W", "RW", RW, 1, 1, 0, WO},  {"", "", RW, 1, 1, 0, RO}};
     for (const auto& c : cases) {
         World world(Node("Integer", "Feature",
                          "<ImposedAccessMode>" + std::string(c.imposed) +
@@ -132,18 +132,31 @@ TEST(Ports, ServeDirectAccessAndReplay)
     ExpectFailure<GenICam::InvalidArgumentException>([&] { port.Write(&byte, 0, -1); }, "-1 bytes");
 }
 
-TEST(Ports, MayEndBeforeTheirMap)
+TEST(Ports, MayEndBeforeTheirMapOrAfterIt)
 {
-    const NodeMapPtr map = MakeMap(Description(Reg("IntReg", "R", 0) + R"(<Port Name="Device"/>)"));
+    const std::string nodes =
+        Description(R"(<Port Name="First"/>)" + Reg("IntReg", "R", 0) + R"(<Port Name="Device"/>)");
+    const NodeMapPtr map = MakeMap(nodes);
     {
         ByteDevice device;
         map->Connect(&device);
         EXPECT_EQ(map->GetNode("R")->GetAccessMode(), RW);
     }
     EXPECT_EQ(map->GetNode("R")->GetAccessMode(), NA);
+    struct : ByteDevice
+    {
+        INode* last = nullptr;
+        void SetPortImpl(IPort* node) override
+        {
+            if (!node) last->InvalidateNode();
+        }
+    } mourner;
     ByteDevice survivor;
-    NodeMapPtr brief = MakeMap(Description(R"(<Port Name="Device"/>)"));
+    NodeMapPtr brief = MakeMap(nodes);
+    brief->Connect(&mourner, "First");
     brief->Connect(&survivor);
+    mourner.last = brief->GetNode("R");
+    mourner.last->RegisterCallback([](INode*) { throw std::runtime_error("mine"); });
     brief.reset();
     survivor.InvalidateNode();  // has forgotten the node
 }

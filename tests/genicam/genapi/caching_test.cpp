@@ -23,7 +23,8 @@ TEST(Caching, KeepsWhatItsModeSays)
         int readsOfTwo, readsAfterWrite;
     } cases[] = {{"IntReg", "NoCache", NoCache, 2, 1},         {"IntReg", "WriteThrough", WriteThrough, 1, 0},
                  {"IntReg", "WriteAround", WriteAround, 1, 1}, {"IntReg", "No", NoCache, 2, 1},
-                 {"IntReg", nullptr, WriteThrough, 1, 0},      {"FloatReg", nullptr, WriteAround, 1, 1}};
+                 {"IntReg", nullptr, WriteThrough, 1, 0},      {"FloatReg", nullptr, WriteAround, 1, 1},
+                 {"IntReg", "", WriteThrough, 1, 0},           {"FloatReg", "", WriteAround, 1, 1}};
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.kind) + " " + (c.word ? c.word : "by default"));
         World world(Reg(c.kind, "R", 0, 8, c.word ? cachable(c.word) : "<AccessMode>RW</AccessMode>") +
@@ -243,6 +244,9 @@ TEST_F(Callbacks, MayDropTheLastReferenceToTheMap)
 TEST(Polling, OfACommandLastsUntilItIsDone)
 {
     World world(
+        Reg("IntReg", "Nowhere", 5000) +
+        Node("Command", "Fails",
+             "<pValue>Nowhere</pValue><CommandValue>1</CommandValue><PollingTime>0</PollingTime>") +
         Reg("IntReg", "R", 0, 8, cachable("NoCache")) +
         Node("Command", "Run", "<pValue>R</pValue><CommandValue>1</CommandValue><PollingTime>10</PollingTime>"));
     int calls = 0;
@@ -253,8 +257,10 @@ TEST(Polling, OfACommandLastsUntilItIsDone)
     world.map->Poll(10);
     EXPECT_EQ(calls, 2);  // the write and the poll
     world.device.Put(0, {0});
-    world.map->Poll(10);
-    world.map->Poll(10);
+    // One whose polling fails does not keep the others from theirs.
+    EXPECT_THROW(world.Get<ICommand>("Fails").Execute(), std::out_of_range);
+    EXPECT_THROW(world.map->Poll(10), std::out_of_range);
+    EXPECT_THROW(world.map->Poll(10), std::out_of_range);
     EXPECT_EQ(calls, 3);  // done, told once
     ExpectFailure<GenICam::InvalidArgumentException>([&] { world.map->Poll(-1); }, "-1 ms");
 }

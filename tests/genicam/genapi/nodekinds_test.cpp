@@ -59,7 +59,7 @@ TEST_P(IntegerRegisters, ReadAndWriteTheirBits)
 INSTANTIATE_TEST_SUITE_P(
     Table, IntegerRegisters,
     testing::Values(
-        IntegerCase{"IntReg", 1, "", {0xF0}, 0xF0, 0, 255},
+        IntegerCase{"IntReg", 1, "<Sign/><Endianess/>", {0xF0}, 0xF0, 0, 255},
         IntegerCase{"IntReg", 1, "<Sign>Signed</Sign>", {0xF0}, -16, -128, 127},
         IntegerCase{"IntReg", 2, "<Endianess>BigEndian</Endianess>", {1, 2}, 0x102, 0, 65535},
         IntegerCase{"IntReg", 3, "<Sign>Signed</Sign>", {1, 2, 0x83}, 0x830201 - 0x1000000, -0x800000, 0x7FFFFF},
@@ -96,6 +96,17 @@ TEST(MaskedIntReg, KeepsTheOtherBitsOfAWriteOnlyRegisterFromEarlierWrites)
     world.Integer("High").SetValue(5);
     EXPECT_EQ(world.device.Bytes(0, 1), std::vector<int>{0x53});
     EXPECT_EQ(world.device.reads, 0);
+}
+
+TEST(MaskedIntReg, MayHaveALengthThatChanges)
+{
+    World world(Node("Integer", "L", "<Value>1</Value>") +
+                Node("MaskedIntReg", "M",
+                     "<Address>0</Address><pLength>L</pLength><pPort>Device</pPort><LSB>4</LSB><MSB>11</MSB>"));
+    world.device.Put(0, {0x21, 0x43});
+    ExpectFailure<RuntimeException>([&] { world.Integer("M").GetValue(); }, "\"M\": bit 11 is none of its 8 bits");
+    world.Integer("L").SetValue(2);
+    EXPECT_EQ(world.Integer("M").GetValue(), 0x32);
 }
 
 TEST(FloatReg, HoldsFloatsOfBothWidthsAndOrders)
@@ -441,7 +452,8 @@ TEST(Texts, ReadBackAsTheSameValue)
                  {"Mac", "00:11:22:aa:Bb:ff", "00:11:22:aa:bb:ff"},
                  {"Mac", "00:11:22:aa:bb", nullptr},
                  {"F", "0.1", "0.1"},
-                 {"F", "1E3", "1000"},
+                 {"F", "+1E3", "1000"},
+                 {"F", "+-1", nullptr},
                  {"F", "-1e-7", "-1e-07"},
                  {"F", "0x10", "16"},
                  {"F", "1,5", nullptr},
@@ -474,6 +486,7 @@ TEST(Errors, AreReadAfterEachWrite)
     world.device.Put(8, {1});
     ExpectFailure<RuntimeException>([&] { world.Integer("A").SetValue(5); },
                                     "Writing node \"A\" failed: Status reports Hot. Let it cool.");
+    EXPECT_FALSE(world.Value("A").IsValueCacheValid()) << "who knows what the device made of it";
 }
 
 }  // namespace

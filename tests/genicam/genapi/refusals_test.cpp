@@ -205,7 +205,8 @@ TEST(Tolerance, OfWhatIsCommonInTheField)
         <Extension><Value>7</Value></Extension><Vendor>x</Vendor><Value>
           1<!-- one, then -->2<![CDATA[3]]>
         </Value><Visibility>Somebody</Visibility></g:Integer></g:Group><Extension><Widget/></Extension>
-        <Enumeration Name="Empty"><Value>0</Value></Enumeration><Node Name="N"/></g:RegisterDescription>)");
+        <Enumeration Name="Empty"><Value>0</Value></Enumeration><Node Name="N"/></g:RegisterDescription>)" +
+                std::string(3, '\0'));
     EXPECT_EQ(map->GetNumNodes(), 3U);
     EXPECT_EQ(map->GetNode("A")->GetName(true), "Std::A");
     EXPECT_EQ(map->GetNode("A")->GetVisibility(), Beginner);
