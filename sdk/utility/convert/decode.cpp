@@ -75,19 +75,24 @@ unsigned gigeSample(const std::uint8_t* stream, std::size_t index)
 
 // Whole groups have constant places for their samples, which the compiler unrolls; the last, partial group has
 // not.
-template <typename T, unsigned Depth, unsigned Group, unsigned (*Sample)(const std::uint8_t*, std::size_t)>
+template <typename T, unsigned Depth, unsigned Components, unsigned Group,
+          unsigned (*Sample)(const std::uint8_t*, std::size_t)>
 void decodeGroups(const SourceRow& source, std::size_t width, const Channels<T>& line)
 {
-    constexpr std::size_t groupBytes = Sample == gigeSample<Depth> ? Group / 2 * 3 : Group * Depth / 8;
+    constexpr std::size_t groupBytes = Group * Components * (Sample == gigeSample<Depth> ? 12 : Depth) / 8;
     const std::uint8_t* __restrict from = source.plane[0];
-    T* __restrict to = line[0];
+    const Channels<T> to = line;
+    const auto decodePixel = [&](std::size_t x, std::size_t pixel) {
+        for (unsigned i = 0; i < Components; ++i)
+            to[i][x + pixel] = toSample<T, Depth>(Sample(from, Components * pixel + i));
+    };
     std::size_t x = 0;
     for (; x + Group <= width; x += Group, from += groupBytes) {
-        for (unsigned pixel = 0; pixel < Group; ++pixel)
-            to[x + pixel] = toSample<T, Depth>(Sample(from, pixel));
+        for (std::size_t pixel = 0; pixel < Group; ++pixel)
+            decodePixel(x, pixel);
     }
     for (std::size_t pixel = 0; x + pixel < width; ++pixel)
-        to[x + pixel] = toSample<T, Depth>(Sample(from, pixel));
+        decodePixel(x, pixel);
 }
 
 template <unsigned Components, unsigned R, unsigned B>
@@ -123,25 +128,6 @@ template <typename T, unsigned Depth, unsigned R, unsigned B>
 void decodeColourCells(const SourceRow& source, std::size_t width, const Channels<T>& line)
 {
     separateCells<T, Depth, R, B>(source.plane[0], width, line[0], line[1], line[2]);
-}
-
-// Public texts leave the byte order of this format open. Read here as the stream R0 G0 B0 R1 G1 B1 in the grouping
-// of Mono12Packed.
-template <typename T>
-void separateRgb12V1(const std::uint8_t* __restrict from, std::size_t width, T* __restrict red,
-                     T* __restrict green, T* __restrict blue)
-{
-    for (std::size_t x = 0; x < width; ++x) {
-        red[x] = toSample<T, 12>(gigeSample<12>(from, 3 * x));
-        green[x] = toSample<T, 12>(gigeSample<12>(from, 3 * x + 1));
-        blue[x] = toSample<T, 12>(gigeSample<12>(from, 3 * x + 2));
-    }
-}
-
-template <typename T>
-void decodeRgb12V1(const SourceRow& source, std::size_t width, const Channels<T>& line)
-{
-    separateRgb12V1(source.plane[0], width, line[0], line[1], line[2]);
 }
 
 void decodePlanes8(const SourceRow& source, std::size_t width, const Channels<std::uint8_t>& line)
@@ -213,17 +199,20 @@ void decodeHalfWidthChroma(const SourceRow& source, std::size_t width, const Cha
 
 template <unsigned Depth>
 constexpr DecodeStages cells = {wide<decodeCells<std::uint8_t, Depth>>, wide<decodeCells<std::uint16_t, Depth>>};
-template <unsigned Depth, unsigned Group, unsigned (*Sample)(const std::uint8_t*, std::size_t)>
-constexpr DecodeStages groups = {wide<decodeGroups<std::uint8_t, Depth, Group, Sample>>,
-                                 wide<decodeGroups<std::uint16_t, Depth, Group, Sample>>};
-constexpr DecodeStages lsb10 = groups<10, 4, lsbSample<10>>;
-constexpr DecodeStages lsb12 = groups<12, 2, lsbSample<12>>;
-constexpr DecodeStages gige10 = groups<10, 2, gigeSample<10>>;
-constexpr DecodeStages gige12 = groups<12, 2, gigeSample<12>>;
+template <unsigned Depth, unsigned Components, unsigned Group,
+          unsigned (*Sample)(const std::uint8_t*, std::size_t)>
+constexpr DecodeStages groups = {wide<decodeGroups<std::uint8_t, Depth, Components, Group, Sample>>,
+                                 wide<decodeGroups<std::uint16_t, Depth, Components, Group, Sample>>};
+constexpr DecodeStages lsb10 = groups<10, 1, 4, lsbSample<10>>;
+constexpr DecodeStages lsb12 = groups<12, 1, 2, lsbSample<12>>;
+constexpr DecodeStages gige10 = groups<10, 1, 2, gigeSample<10>>;
+constexpr DecodeStages gige12 = groups<12, 1, 2, gigeSample<12>>;
+// Public texts leave the byte order of this format open. Read here as the stream R0 G0 B0 R1 G1 B1 in the grouping
+// of Mono12Packed.
+constexpr DecodeStages rgb12V1 = groups<12, 3, 2, gigeSample<12>>;
 template <unsigned Depth, unsigned R, unsigned B>
 constexpr DecodeStages colourCells = {wide<decodeColourCells<std::uint8_t, Depth, R, B>>,
                                       wide<decodeColourCells<std::uint16_t, Depth, R, B>>};
-constexpr DecodeStages rgb12V1 = {wide<decodeRgb12V1<std::uint8_t>>, wide<decodeRgb12V1<std::uint16_t>>};
 constexpr DecodeStages planes16 = {wide<decodePlanes16<std::uint8_t>>, wide<decodePlanes16<std::uint16_t>>};
 
 using enum EPixelType;
