@@ -86,7 +86,6 @@ void DataWriterPrivate::beginSession()
 {
     indices_ = WriterIndices{.sessionIndex = indices_.sessionIndex + 1};
     sessionActive_ = false;
-    recordFolder.clear();
     TimeSnapshot time;
     sessionActive_ = openSessionFolder(time);
     if (sessionActive_) createMediaWriters(time);
@@ -106,7 +105,13 @@ bool DataWriterPrivate::enterFolder(fs::path& folder, const GenICam::gcstring& n
 {
     if (nameTemplate.empty()) return true;
     return guarded(site, &node_, [&] {
-        folder /= renderName(tokens_, nameTemplate.c_str(), time, indices_);
+        const std::string name = renderName(tokens_, nameTemplate.c_str(), time, indices_);
+        if (name == "..") {
+            GENICAM_THROW(RuntimeException,
+                          "The template \"%s\" gives the name \"..\", which leads out of \"%s\".",
+                          nameTemplate.c_str(), folder.c_str());
+        }
+        folder /= name;
         if (!isDirectory(folder)) fs::create_directory(folder);
     });
 }

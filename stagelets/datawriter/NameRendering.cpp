@@ -4,8 +4,6 @@
 #include <locale>
 #include <sstream>
 
-#include "gcbase/exception.h"
-
 #include "datawriter/TextFormatter.h"
 
 namespace Plugin::NivexStageletPackageBase {
@@ -26,13 +24,7 @@ std::string renderName(const TextTokenTable& tokens, const char* templateText, T
     std::ostringstream stream;
     stream.imbue(std::locale::classic());
     formatStructuralText(tokens, templateText, time, stream, indices);
-    std::string name = sanitizeFileName(stream.str());
-    if (name.empty() || name == "." || name == "..") {
-        GENICAM_THROW(RuntimeException,
-                      "The template \"%s\" gives the name \"%s\", which no file or folder can have.", templateText,
-                      name.c_str());
-    }
-    return name;
+    return sanitizeFileName(stream.str());
 }
 
 }  // namespace Plugin::NivexStageletPackageBase

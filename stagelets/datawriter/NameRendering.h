@@ -12,9 +12,7 @@ namespace Plugin::NivexStageletPackageBase {
 /// The text with "_" in place of each backslash, "/", ":", "*", "?", double quote, "<", ">" and "|".
 std::string sanitizeFileName(std::string_view text);
 
-/// The name of one file or folder that a template gives, sanitised. Raises RuntimeException for a name that is
-/// empty,
-/// "." or "..", which would be no name of a new thing inside a folder.
+/// The name of one file or folder that a template gives, sanitised. It may be empty, "." or "..".
 std::string renderName(const TextTokenTable& tokens, const char* templateText, TimeSnapshot& time,
                        const WriterIndices& indices);
 

@@ -5,8 +5,6 @@
 #include <locale>
 #include <system_error>
 
-#include "gcbase/exception.h"
-
 #include "datawriter/CatchSites.h"
 #include "datawriter/NameRendering.h"
 #include "datawriter/TextFormatter.h"
@@ -56,13 +54,12 @@ std::string systemMessage()
 }
 
 /// Opening a pipe would wait for a reader, and a device is no place for a recording.
-void refuseSpecialFile(const fs::path& path)
+bool isSpecialFile(const fs::path& path)
 {
     std::error_code failed;
     const fs::file_status status = fs::status(path, failed);
-    const bool isSpecial =
-        fs::is_fifo(status) || fs::is_socket(status) || fs::is_character_file(status) || fs::is_block_file(status);
-    if (isSpecial) GENICAM_THROW(RuntimeException, "It is no regular file.");
+    return fs::is_fifo(status) || fs::is_socket(status) || fs::is_character_file(status) ||
+           fs::is_block_file(status);
 }
 
 bool isMissing(const fs::path& path)
@@ -156,13 +153,10 @@ void TextMediaWriter::writeSections(TextFormatSelector selector, const MediaWrit
 void TextMediaWriter::open(const MediaWriterContext& context)
 {
     const MediaWriterSettings& settings = *context.settings;
-    path_ = *context.folder;
-    try {
-        path_ /= renderName(*context.tokens, nameTemplate(settings), *context.time, *context.indices);
-        refuseSpecialFile(path_);
-    } catch (const GenICam::RuntimeException& refusal) {
+    path_ = *context.folder / renderName(*context.tokens, nameTemplate(settings), *context.time, *context.indices);
+    if (isSpecialFile(path_)) {
         file_.setstate(std::ios_base::failbit);
-        logFailure(refusal.GetDescription(), context);
+        logFailure("It is no regular file.", context);
         return;
     }
     errno = 0;

@@ -148,11 +148,12 @@ TEST_F(DataWriterParameters, ExplainTheTemplates)
 
 TEST_F(DataWriterParameters, RefuseValuesOutsideTheirLimits)
 {
+    const std::string tooLong(10001, 'x');
     const std::vector<std::pair<const char*, const char*>> refused = {
-        {"NumInputDataPins", "0"},     {"NumInputDataPins", "101"},    {"NumMediaWriters", "101"},
-        {"RecordPeriod", "-1"},        {"RecordPeriod", "2147483648"}, {"InputDataPinSelector", "2"},
-        {"Quality", "100.5"},          {"PlayBackSpeed", "0"},         {"MediaType", "GIF"},
-        {"UsedSessionFolderPath", "x"}};
+        {"NumInputDataPins", "0"},      {"NumInputDataPins", "101"},    {"NumMediaWriters", "101"},
+        {"RecordPeriod", "-1"},         {"RecordPeriod", "2147483648"}, {"InputDataPinSelector", "2"},
+        {"Quality", "100.5"},           {"PlayBackSpeed", "0"},         {"MediaType", "GIF"},
+        {"UsedSessionFolderPath", "x"}, {"TextFormat", tooLong.c_str()}};
     for (const auto& [name, value] : refused)
         EXPECT_THROW(parameters.set(name, value), GenICam::GenericException) << name << " = " << value;
 }
@@ -180,6 +181,8 @@ TEST_F(DataWriterParameters, BelongToWhatTheSelectorsName)
     parameters.set("InputDataPinSelector", "1");
     parameters.set("MediaWriterSelector", "1");
     EXPECT_EQ(parameters.get("RecordTriggerSelector"), "HasError");
+    parameters.set("RecordTriggerSelector", "BoolValue");
+    EXPECT_EQ(parameters.get("RecordTriggerEnable"), "Off");
     EXPECT_EQ(parameters.get("TextFormatSelector"), "TextFormat_Data");
     EXPECT_EQ(parameters.get("UseMediaWriterSelector"), "1");
     parameters.set("UseMediaWriterSelector", "2");

@@ -228,9 +228,7 @@ TEST_F(DataWriterSessions, AreIdleWithoutTheirFolder)
     for (const Case& row : {Case{"missing output folder", output + "/missing", "S", 0},
                             {"output is a file", output + "/file", "S", 0},
                             {"session is a file", output, "file", 1},
-                            {"dot", output, ".", 1},
                             {"dots", output, "..", 1},
-                            {"empty name", output, "{ErrorMessage}", 1},
                             {"long name", output, tooLong, 1}})
     {
         SCOPED_TRACE(row.name);
@@ -261,11 +259,17 @@ TEST_F(DataWriterSessions, UseWhatFolderThereIs)
     node.stop();
     node.start({});
     node.stop();
-    parameters.set("SessionFolderName", "");
-    node.start({});
-    EXPECT_EQ(parameters.get("UsedSessionFolderPath"), folder.path().string());
-    EXPECT_EQ(folder.entries(), (std::set<std::string>{"S_1", "S_2"}));
-    node.stop();
+    for (const char* name : {"", ".", "{ErrorMessage}"}) {
+        parameters.set("SessionFolderName", name);
+        parameters.set("RecordFolderName", name);
+        takeCalls();
+        node.start({});
+        EXPECT_EQ(recordsOf(onPin1(Core::Integer(1))), 1u);
+        EXPECT_TRUE(fs::equivalent(parameters.get("UsedSessionFolderPath"), folder.path())) << name;
+        EXPECT_TRUE(fs::equivalent(parameters.get("UsedRecordFolderPath"), folder.path())) << name;
+        EXPECT_EQ(folder.entries(), (std::set<std::string>{"S_1", "S_2"}));
+        node.stop();
+    }
 
     const fs::path before = fs::current_path();
     fs::current_path(folder.path());
