@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <mutex>
+#include <utility>
 
 #include "gcbase/exception.h"
 
 #include "core/bufferprovider.h"
 #include "core/inodehost.h"
+#include "core/nodepins.h"
 #include "threading/recursiveclock.h"
+#include "utils/log.h"
 #include "utils/signal.h"
 
 namespace Nivex::DataProcessing::Core {
@@ -16,42 +19,18 @@ namespace {
 
 using NodeSignal = Utils::Signal<void(), Utils::VoidCombiner>;
 
-struct InputPin
+/// For calls in a destructor, out of which nothing may come.
+template <typename Operation>
+void logFailure(const NodeBase* node, const char* doing, const Operation& operation) noexcept
 {
-    GenICam::gcstring name;
-    GenICam::gcstring displayName;
-    Utils::TypeInfo type;
-    bool allowsMultipleConnections;
-    std::size_t maxConnections;
-    bool autoReset = true;
-    Utils::TypeInfo boundType{};
-    NodeBase::Handle binding{};
-};
-
-struct Attachment
-{
-    std::shared_ptr<IOutputSink> sink;
-    NodeBase::Handle handle;
-};
-
-struct OutputPin
-{
-    OutputDescriptor descriptor;
-    std::vector<Attachment> attachments;
-};
-
-using OutputPins = std::vector<OutputPin>;
-
-template <typename Pins>
-auto findPin(Pins& pins, const GenICam::gcstring& name)
-{
-    return std::find_if(pins.begin(), pins.end(), [&](const auto& pin) {
-        if constexpr (requires { pin.name; }) {
-            return pin.name == name;
-        } else {
-            return pin.descriptor.getName() == name;
-        }
-    });
+    try {
+        operation();
+    } catch (...) {
+        static const Utils::CatId category = Utils::getCatId("nivex.dataprocessing.core.NodeBase");
+        Utils::createLogEntry(Utils::SeverityFailure, category,
+                              "NodeBase %p: Exception caught while the node was %s. Message: %s",
+                              static_cast<const void*>(node), doing, GenICam::describeCurrentException().c_str());
+    }
 }
 
 std::shared_ptr<Threading::ThreadPool> defaultThreadPool()
@@ -76,10 +55,9 @@ struct NodeBase::Private
     std::shared_ptr<Threading::IRecursiveLockable> lock = std::make_shared<Threading::RecursiveCLock>();
     std::atomic<NodeState> state{NodeState::Stopped};
 
-    std::mutex mutex;  // guards the members down to `errors`
-    std::vector<InputPin> inputs;
-    // Replaced as a whole at each change, so that an execution needs the mutex for one copy of the pointer only.
-    std::shared_ptr<const OutputPins> outputs = std::make_shared<OutputPins>();
+    InputPins inputs;
+    OutputPins outputs;
+    std::mutex errorMutex;  // guards errors
     std::vector<std::shared_ptr<IError>> errors;
 
     NodeSignal inputsChanged;
@@ -99,20 +77,6 @@ struct NodeBase::Private
         stateChanged();
         if (next == NodeState::Started || next == NodeState::Stopped) canExecuteChanged();
     }
-
-    std::shared_ptr<const OutputPins> outputTable()
-    {
-        std::lock_guard guard(mutex);
-        return outputs;
-    }
-
-    InputPin& requireInput(const GenICam::gcstring& name)
-    {
-        const auto pin = findPin(inputs, name);
-        if (pin == inputs.end())
-            GENICAM_THROW(InvalidArgumentException, "There is no input \"%s\".", name.c_str());
-        return *pin;
-    }
 };
 
 NodeBase::NodeBase(const std::shared_ptr<IResourcePool>& pool) : private_(std::make_unique<Private>())
@@ -131,14 +95,7 @@ bool NodeBase::isForwardingUpdates() const
 
 std::vector<InputDescriptor> NodeBase::getInputDescriptors() const
 {
-    std::lock_guard guard(private_->mutex);
-    std::vector<InputDescriptor> descriptors;
-    descriptors.reserve(private_->inputs.size());
-    for (const InputPin& pin : private_->inputs) {
-        descriptors.emplace_back(pin.name, pin.displayName, pin.binding ? pin.boundType : pin.type,
-                                 pin.allowsMultipleConnections, pin.maxConnections);
-    }
-    return descriptors;
+    return private_->inputs.getDescriptors();
 }
 
 NodeBase::VoidSignal& NodeBase::getInputsChangedSignal()
@@ -148,16 +105,7 @@ NodeBase::VoidSignal& NodeBase::getInputsChangedSignal()
 
 NodeBase::Handle NodeBase::configureInputType(const GenICam::gcstring& name, const Utils::TypeInfo& type)
 {
-    Handle handle;
-    {
-        std::lock_guard guard(private_->mutex);
-        InputPin& pin = private_->requireInput(name);
-        if (pin.type.isValid() || pin.binding) {
-            GENICAM_THROW(InvalidArgumentException, "The input \"%s\" has a type already.", name.c_str());
-        }
-        pin.boundType = type;
-        pin.binding = handle = std::make_shared<char>();
-    }
+    Handle handle = private_->inputs.bind(name, type);
     onInputTypeConfigured(name, type);
     private_->inputsChanged();
     return handle;
@@ -165,49 +113,30 @@ NodeBase::Handle NodeBase::configureInputType(const GenICam::gcstring& name, con
 
 void NodeBase::unconfigureInputType(const Handle& handle)
 {
-    GenICam::gcstring name;
-    {
-        std::lock_guard guard(private_->mutex);
-        const auto pin = std::find_if(private_->inputs.begin(), private_->inputs.end(),
-                                      [&](const InputPin& p) { return handle && p.binding == handle; });
-        if (pin == private_->inputs.end()) return;
-        pin->binding.reset();
-        pin->boundType = {};
-        name = pin->name;
-    }
+    const GenICam::gcstring name = private_->inputs.unbind(handle);
+    if (name.empty()) return;
     onInputTypeUnconfigured(name);
     private_->inputsChanged();
 }
 
 bool NodeBase::isConfigured(const Handle& handle) const
 {
-    std::lock_guard guard(private_->mutex);
-    return handle && std::any_of(private_->inputs.begin(), private_->inputs.end(),
-                                 [&](const InputPin& pin) { return pin.binding == handle; });
+    return private_->inputs.isBound(handle);
 }
 
 bool NodeBase::canConfigure(const GenICam::gcstring& name) const
 {
-    std::lock_guard guard(private_->mutex);
-    const auto pin = findPin(private_->inputs, name);
-    return pin != private_->inputs.end() && !pin->type.isValid() && !pin->binding;
+    return private_->inputs.canBind(name);
 }
 
 void NodeBase::setAutoResetEnabled(const GenICam::gcstring& name, bool enabled)
 {
-    {
-        std::lock_guard guard(private_->mutex);
-        InputPin& pin = private_->requireInput(name);
-        if (pin.autoReset == enabled) return;
-        pin.autoReset = enabled;
-    }
-    private_->autoResetChanged();
+    if (private_->inputs.setAutoReset(name, enabled)) private_->autoResetChanged();
 }
 
 bool NodeBase::isAutoResetEnabled(const GenICam::gcstring& name) const
 {
-    std::lock_guard guard(private_->mutex);
-    return private_->requireInput(name).autoReset;
+    return private_->inputs.isAutoReset(name);
 }
 
 NodeBase::VoidSignal& NodeBase::getAutoResetChangedSignal()
@@ -217,12 +146,7 @@ NodeBase::VoidSignal& NodeBase::getAutoResetChangedSignal()
 
 std::vector<OutputDescriptor> NodeBase::getOutputDescriptors() const
 {
-    const auto outputs = private_->outputTable();
-    std::vector<OutputDescriptor> descriptors;
-    descriptors.reserve(outputs->size());
-    for (const OutputPin& pin : *outputs)
-        descriptors.push_back(pin.descriptor);
-    return descriptors;
+    return private_->outputs.getDescriptors();
 }
 
 NodeBase::VoidSignal& NodeBase::getOutputsChangedSignal()
@@ -234,37 +158,17 @@ NodeBase::Handle NodeBase::attachOutputSink(const GenICam::gcstring& name,
                                             const std::shared_ptr<IOutputSink>& sink)
 {
     if (!sink) GENICAM_THROW(InvalidArgumentException, "The sink for output \"%s\" is null.", name.c_str());
-    std::lock_guard guard(private_->mutex);
-    auto outputs = std::make_shared<OutputPins>(*private_->outputs);
-    const auto pin = findPin(*outputs, name);
-    if (pin == outputs->end()) GENICAM_THROW(InvalidArgumentException, "There is no output \"%s\".", name.c_str());
-    if (pin->attachments.size() >= pin->descriptor.getMaxConnections()) {
-        GENICAM_THROW(InvalidArgumentException, "The output \"%s\" takes no more than %zu connections.",
-                      name.c_str(), pin->descriptor.getMaxConnections());
-    }
-    Handle handle = std::make_shared<char>();
-    pin->attachments.push_back({sink, handle});
-    private_->outputs = std::move(outputs);
-    return handle;
+    return private_->outputs.attach(name, sink);
 }
 
 void NodeBase::detachOutputSink(const Handle& handle)
 {
-    std::lock_guard guard(private_->mutex);
-    auto outputs = std::make_shared<OutputPins>(*private_->outputs);
-    for (OutputPin& pin : *outputs) {
-        std::erase_if(pin.attachments, [&](const Attachment& attachment) { return attachment.handle == handle; });
-    }
-    private_->outputs = std::move(outputs);
+    private_->outputs.detach(handle);
 }
 
 bool NodeBase::isOutputSinkAttached(const Handle& handle) const
 {
-    const auto outputs = private_->outputTable();
-    return std::any_of(outputs->begin(), outputs->end(), [&](const OutputPin& pin) {
-        return std::any_of(pin.attachments.begin(), pin.attachments.end(),
-                           [&](const Attachment& attachment) { return attachment.handle == handle; });
-    });
+    return private_->outputs.isAttached(handle);
 }
 
 void NodeBase::allocateResources()
@@ -362,13 +266,13 @@ NodeBase::VoidSignal& NodeBase::getExecutionFinishedSignal()
 
 bool NodeBase::hasError() const
 {
-    std::lock_guard guard(private_->mutex);
+    std::lock_guard guard(private_->errorMutex);
     return !private_->errors.empty();
 }
 
 std::vector<std::shared_ptr<IError>> NodeBase::getErrors() const
 {
-    std::lock_guard guard(private_->mutex);
+    std::lock_guard guard(private_->errorMutex);
     return private_->errors;
 }
 
@@ -383,8 +287,8 @@ NodeBase::VoidSignal& NodeBase::getSettingsChangedSignal()
 
 void NodeBase::cleanup()
 {
-    stop();
-    freeAdditionalResources(true);
+    logFailure(this, "stopping", [this] { stop(); });
+    logFailure(this, "freeing its resources", [this] { freeAdditionalResources(true); });
 }
 
 void NodeBase::allocateAdditionalResources(const std::shared_ptr<IResourcePool>&, bool) {}
@@ -394,24 +298,12 @@ void NodeBase::onStopping() {}
 
 void NodeBase::removeInput(const GenICam::gcstring& name)
 {
-    {
-        std::lock_guard guard(private_->mutex);
-        if (std::erase_if(private_->inputs, [&](const InputPin& pin) { return pin.name == name; }) == 0) return;
-    }
-    private_->inputsChanged();
+    if (private_->inputs.remove(name)) private_->inputsChanged();
 }
 
 void NodeBase::removeOutput(const GenICam::gcstring& name)
 {
-    {
-        std::lock_guard guard(private_->mutex);
-        auto outputs = std::make_shared<OutputPins>(*private_->outputs);
-        const auto pin = findPin(*outputs, name);
-        if (pin == outputs->end()) return;
-        outputs->erase(pin);
-        private_->outputs = std::move(outputs);
-    }
-    private_->outputsChanged();
+    if (private_->outputs.remove(name)) private_->outputsChanged();
 }
 
 std::size_t NodeBase::getMaxInputJobCount() const
@@ -427,13 +319,13 @@ void NodeBase::run(const std::shared_ptr<IGraphUpdate>& update, PinValues& value
 void NodeBase::finishExecution(const std::shared_ptr<IGraphUpdate>& update, PinValues& values)
 {
     if (values.empty()) return;
-    const auto outputs = private_->outputTable();
+    const auto outputs = private_->outputs.getTable();
     bool sent = false;
-    for (const OutputPin& pin : *outputs) {
+    for (const OutputPins::Pin& pin : *outputs) {
         const auto value = values.find(pin.descriptor.getName());
         if (value == values.end()) continue;
         sent = true;
-        for (const Attachment& attachment : pin.attachments)
+        for (const OutputPins::Attachment& attachment : pin.attachments)
             attachment.sink->onOutput(update, value->second);
     }
     if (INodeHost* host = host_.load(); host && sent) host->reportSent(*this);
@@ -457,16 +349,7 @@ void NodeBase::createOutput(const GenICam::gcstring& name, const GenICam::gcstri
                             const Utils::TypeInfo& type, bool allowsMultipleConnections,
                             unsigned long maxConnections)
 {
-    if (name.empty()) GENICAM_THROW(InvalidArgumentException, "An output needs a name.");
-    {
-        std::lock_guard guard(private_->mutex);
-        auto outputs = std::make_shared<OutputPins>(*private_->outputs);
-        if (findPin(*outputs, name) != outputs->end()) {
-            GENICAM_THROW(InvalidArgumentException, "There is an output \"%s\" already.", name.c_str());
-        }
-        outputs->push_back({{name, displayName, type, allowsMultipleConnections, maxConnections}, {}});
-        private_->outputs = std::move(outputs);
-    }
+    private_->outputs.add({name, displayName, type, allowsMultipleConnections, maxConnections});
     private_->outputsChanged();
 }
 
@@ -474,14 +357,7 @@ void NodeBase::createInputPin(const GenICam::gcstring& name, const GenICam::gcst
                               const Utils::TypeInfo& type, bool allowsMultipleConnections,
                               unsigned long maxConnections)
 {
-    if (name.empty()) GENICAM_THROW(InvalidArgumentException, "An input needs a name.");
-    {
-        std::lock_guard guard(private_->mutex);
-        if (findPin(private_->inputs, name) != private_->inputs.end()) {
-            GENICAM_THROW(InvalidArgumentException, "There is an input \"%s\" already.", name.c_str());
-        }
-        private_->inputs.push_back({name, displayName, type, allowsMultipleConnections, maxConnections});
-    }
+    private_->inputs.add({name, displayName, type, allowsMultipleConnections, maxConnections});
     private_->inputsChanged();
 }
 
@@ -498,7 +374,7 @@ void NodeBase::setError(const std::shared_ptr<IError>& error)
 {
     if (!error) GENICAM_THROW(InvalidArgumentException, "The node's error is null.");
     {
-        std::lock_guard guard(private_->mutex);
+        std::lock_guard guard(private_->errorMutex);
         auto& errors = private_->errors;
         if (std::find(errors.begin(), errors.end(), error) != errors.end()) return;
         errors.push_back(error);
@@ -510,7 +386,7 @@ void NodeBase::setError(const std::shared_ptr<IError>& error)
 void NodeBase::resetError(const std::shared_ptr<IError>& error)
 {
     {
-        std::lock_guard guard(private_->mutex);
+        std::lock_guard guard(private_->errorMutex);
         if (std::erase(private_->errors, error) == 0) return;
     }
     private_->errorChanged();

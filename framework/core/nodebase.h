@@ -106,7 +106,8 @@ public:
 
     virtual VoidSignal& getSettingsChangedSignal();
 
-    /// Ends executions and stops the node. Every final class calls it first in its destructor.
+    /// Stops the node and frees its resources for good. What that throws is logged and goes no further. Every
+    /// final class calls it first in its destructor.
     virtual void cleanup();
 
     /// Runtime only: joins the node to a graph, or takes it out with null.
