@@ -1,11 +1,11 @@
 #include "runtime/graph.h"
 
 #include <algorithm>
-#include <condition_variable>
 #include <mutex>
 
+#include "runtime/bell.h"
+#include "runtime/nodecall.h"
 #include "runtime/scheduler.h"
-#include "utils/log.h"
 
 namespace Nivex::DataProcessing::Runtime {
 
@@ -14,10 +14,11 @@ using Clock = std::chrono::steady_clock;
 
 namespace {
 
-Utils::CatId graphCategory()
+/// The end of a time from now on. Zero is never.
+Clock::time_point endOf(std::chrono::nanoseconds time)
 {
-    static const Utils::CatId category = Utils::getCatId("nivex.dataprocessing.runtime.Graph");
-    return category;
+    const auto now = Clock::now();
+    return time.count() > 0 && time < Bell::never - now ? now + time : Bell::never;
 }
 
 template <typename Pin>
@@ -66,17 +67,18 @@ struct Graph::Private
     /// gone: these copies hold them, and being the first member they end last.
     std::vector<NodeHandle::deleter_type> packages;
     std::shared_ptr<Core::IResourcePool> pool;
+    const std::shared_ptr<Bell> bell = std::make_shared<Bell>();
+    /// From the first start on, and replaced at each start. Nodes call it as long as they live, so it ends after
+    /// them.
+    std::shared_ptr<Scheduler> scheduler;
     std::vector<std::unique_ptr<Node>> nodes;
     std::vector<Connection> connections;
     Topology topology;
     std::uint64_t updateLimit = 0;
     bool allocated = false;
-
-    std::shared_ptr<Scheduler> scheduler;  ///< From the first start on; replaced at each start.
     std::vector<std::pair<NodeBase*, NodeBase::Handle>> attachments;
 
     mutable std::mutex mutex;  // guards the members below, and `scheduler` while it is replaced
-    std::condition_variable event;
     bool running = false;
     bool stopRequested = false;
     Clock::time_point startTime{};
@@ -87,12 +89,6 @@ struct Graph::Private
         const auto found =
             std::find_if(nodes.begin(), nodes.end(), [&](const auto& node) { return node->name == name; });
         return static_cast<std::size_t>(found - nodes.begin());
-    }
-
-    void notify()
-    {
-        std::lock_guard guard(mutex);
-        event.notify_all();
     }
 
     void requireIdle(const char* what) const
@@ -111,7 +107,15 @@ struct Graph::Private
     }
 
     void buildScheduler();
+    void attachSinks(Scheduler& target);
+    static void freeNode(Node* node);
     void stopNodes(const std::vector<Node*>& started);
+    /// Null when the run is over or shall be.
+    std::shared_ptr<const Scheduler> getRun() const
+    {
+        std::lock_guard guard(mutex);
+        return stopRequested || !running ? nullptr : scheduler;
+    }
     bool hasNodeError() const
     {
         return std::any_of(nodes.begin(), nodes.end(), [](const auto& node) { return node->handle->hasError(); });
@@ -140,8 +144,8 @@ void Graph::addNode(const std::string& name, const std::string& module, NodeHand
     entry->name = name;
     entry->module = module;
     entry->handle = std::move(node);
-    entry->errorConnection.set(entry->handle->getErrorChangedSignal().connect([this] { private_->notify(); }),
-                               true);
+    entry->errorConnection.set(
+        entry->handle->getErrorChangedSignal().connect([bell = private_->bell] { bell->ring(); }));
     private_->packages.push_back(entry->handle.get_deleter());
     private_->nodes.push_back(std::move(entry));
     private_->topology.addNode();
@@ -211,6 +215,11 @@ void Graph::connect(const std::string& fromNode, const std::string& output, cons
     private_->topology.addEdge(fromNumber, toNumber);
 }
 
+void Graph::Private::freeNode(Node* node)
+{
+    callNode(node->name, "freeing its resources", [node] { node->handle->freeResources(); });
+}
+
 void Graph::allocate()
 {
     private_->requireIdle("allocating resources");
@@ -221,9 +230,7 @@ void Graph::allocate()
             done.push_back(node);
         } catch (...) {
             const std::string failure = GenICam::describeCurrentException();
-            for (auto allocatedNode = done.rbegin(); allocatedNode != done.rend(); ++allocatedNode) {
-                (*allocatedNode)->handle->freeResources();
-            }
+            std::for_each(done.rbegin(), done.rend(), &Private::freeNode);
             throw NodeFailure(NodeFailure::Stage::Allocation, node->name, failure);
         }
     }
@@ -238,21 +245,31 @@ void Graph::Private::buildScheduler()
     for (const Connection& connection : connections) {
         setups[connection.to].inputs.emplace_back(connection.input.c_str());
     }
-    std::vector<std::size_t> nextSlot(nodes.size(), 0);
     auto fresh = std::make_shared<Scheduler>(*pool->getThreadPool(), std::move(setups), topology);
-    fresh->setLimitCallback([this] { notify(); });
-    for (const auto& [node, handle] : attachments)
-        node->detachOutputSink(handle);
-    attachments.clear();
-    for (const Connection& connection : connections) {
-        NodeBase* source = nodes[connection.from]->handle.get();
-        const auto sink = fresh->makeSink(connection.to, nextSlot[connection.to]++);
-        attachments.emplace_back(source, source->attachOutputSink(connection.output.c_str(), sink));
-    }
+    fresh->setLimitCallback([bell = bell] { bell->ring(); });
+    attachSinks(*fresh);
     for (const auto& node : nodes)
         node->handle->attachHost(fresh.get());
     std::lock_guard guard(mutex);
     scheduler = std::move(fresh);
+}
+
+void Graph::Private::attachSinks(Scheduler& target)
+{
+    for (const auto& [node, handle] : attachments)
+        node->detachOutputSink(handle);
+    attachments.clear();
+    std::vector<std::size_t> nextSlot(nodes.size(), 0);
+    for (const Connection& connection : connections) {
+        const Node& source = *nodes[connection.from];
+        const auto sink = target.makeSink(connection.to, nextSlot[connection.to]++);
+        try {
+            attachments.emplace_back(source.handle.get(),
+                                     source.handle->attachOutputSink(connection.output.c_str(), sink));
+        } catch (...) {
+            throw NodeFailure(NodeFailure::Stage::Start, source.name, GenICam::describeCurrentException());
+        }
+    }
 }
 
 void Graph::start(const std::map<std::string, Core::NodeArgumentCollection>& arguments)
@@ -284,23 +301,16 @@ void Graph::start(const std::map<std::string, Core::NodeArgumentCollection>& arg
 
 void Graph::Private::stopNodes(const std::vector<Node*>& started)
 {
-    const auto stopNode = [](Node& node) {
-        try {
-            node.handle->stop();
-        } catch (...) {
-            Utils::createLogEntry(Utils::SeverityFailure, graphCategory(),
-                                  "Graph: Exception caught while stopping node \"%s\". Message: %s",
-                                  node.name.c_str(), GenICam::describeCurrentException().c_str());
+    const auto stopThoseThat = [&started](bool forward) {
+        for (Node* node : started) {
+            if (node->handle->isForwardingUpdates() != forward) continue;
+            callNode(node->name, "stopping", [node] { node->handle->stop(); });
         }
     };
     scheduler->releaseSources();
-    for (Node* node : started) {
-        if (!node->handle->isForwardingUpdates()) stopNode(*node);
-    }
+    stopThoseThat(false);
     scheduler->drain();
-    for (Node* node : started) {
-        if (node->handle->isForwardingUpdates()) stopNode(*node);
-    }
+    stopThoseThat(true);
     std::lock_guard guard(mutex);
     running = false;
     duration = Clock::now() - startTime;
@@ -310,7 +320,7 @@ void Graph::stop()
 {
     if (!isRunning()) return;
     private_->stopNodes(private_->sorted());
-    private_->notify();
+    private_->bell->ring();
 }
 
 void Graph::free()
@@ -319,8 +329,7 @@ void Graph::free()
     if (!private_->allocated) return;
     private_->allocated = false;
     const auto order = private_->sorted();
-    for (auto node = order.rbegin(); node != order.rend(); ++node)
-        (*node)->handle->freeResources();
+    std::for_each(order.rbegin(), order.rend(), &Private::freeNode);
 }
 
 bool Graph::isRunning() const
@@ -336,35 +345,43 @@ void Graph::setUpdateLimit(std::uint64_t limit)
 
 Graph::Event Graph::wait(std::chrono::nanoseconds limit, std::chrono::nanoseconds idleTime)
 {
-    const auto never = Clock::time_point::max();
-    const auto end = limit.count() > 0 ? Clock::now() + limit : never;
-    std::unique_lock lock(private_->mutex);
+    const auto end = endOf(limit);
     for (;;) {
-        if (private_->stopRequested || !private_->running) return Event::StopRequested;
-        const std::shared_ptr<Scheduler> scheduler = private_->scheduler;
-        lock.unlock();
-        const bool limitSettled = scheduler->isLimitSettled();
-        const bool nodeError = private_->hasNodeError();
-        const bool idle = idleTime.count() > 0 && scheduler->getInFlight() == 0;
-        const auto idleEnd = scheduler->getLastActivity() + idleTime;
-        lock.lock();
-        if (private_->stopRequested) return Event::StopRequested;
-        if (nodeError) return Event::NodeError;
-        if (limitSettled) return Event::LimitReached;
+        // Before the looks, so that what happens meanwhile ends the wait behind them.
+        const std::uint64_t rings = private_->bell->getRings();
+        const auto run = private_->getRun();
+        if (!run) return Event::StopRequested;
+        if (private_->hasNodeError()) return Event::NodeError;
+        if (run->isLimitSettled()) return Event::LimitReached;
+        const bool isIdle = idleTime.count() > 0 && run->getInFlight() == 0;
+        const auto idleEnd = run->getLastActivity() + idleTime;
         const auto now = Clock::now();
-        if (idle && now >= idleEnd) return Event::Idle;
+        if (isIdle && now >= idleEnd) return Event::Idle;
         if (now >= end) return Event::TimeOver;
-        // While something is in flight, its end moves the idle time on; a look now and then is enough to see it.
-        const auto look = now + std::chrono::milliseconds(100);
-        private_->event.wait_until(lock, std::min({end, idle ? idleEnd : look, look}));
+        // Nothing rings when the last update has ended; a look now and then is enough to see it.
+        const auto look = idleTime.count() > 0 ? now + std::chrono::milliseconds(100) : Bell::never;
+        private_->bell->waitUntil(std::min({end, isIdle ? idleEnd : look, look}), rings);
+    }
+}
+
+bool Graph::waitForNodeError(std::chrono::nanoseconds limit)
+{
+    const auto end = Clock::now() + limit;
+    for (;;) {
+        const std::uint64_t rings = private_->bell->getRings();
+        if (private_->hasNodeError()) return true;
+        if (Clock::now() >= end) return false;
+        private_->bell->waitUntil(end, rings);
     }
 }
 
 void Graph::requestStop()
 {
-    std::lock_guard guard(private_->mutex);
-    private_->stopRequested = true;
-    private_->event.notify_all();
+    {
+        std::lock_guard guard(private_->mutex);
+        private_->stopRequested = true;
+    }
+    private_->bell->ring();
 }
 
 RunStatistics Graph::getStatistics() const

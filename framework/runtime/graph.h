@@ -99,7 +99,7 @@ struct RunStatistics
 /// The graph of one recipe: nodes joined pin to pin, and what runs updates through them.
 ///
 /// Life: addNode and connect; allocate; start; stop; free; and again. All these come from one thread. Destruction
-/// stops and frees. `getStatistics`, the waits and `requestStop` may be called from any thread.
+/// stops and frees. `getStatistics`, `wait` and `requestStop` may be called from any thread.
 ///
 /// An update visits every node that is reachable from its source. A node runs at most once for an update, after
 /// all nodes upstream that take part have finished with it, and only if a value reached one of its pins; every
@@ -128,11 +128,13 @@ public:
     /// Allocates the resources of all nodes. A failure frees those that were allocated and passes on as
     /// NodeFailure.
     void allocate();
-    /// Starts sinks before sources. A failure stops those that were started and passes on as NodeFailure.
+    /// Starts sinks before sources. A failure, such as a connected output that is no more, stops those that were
+    /// started and passes on as NodeFailure.
     void start(const std::map<std::string, Core::NodeArgumentCollection>& arguments = {});
     /// Stops sources first, lets what is in flight finish, then stops the rest. Does nothing when not started. A
     /// node's failure to stop is logged; the others stop all the same.
     void stop();
+    /// Frees what was allocated. A node's failure is logged.
     void free();
     bool isRunning() const;
 
@@ -149,6 +151,10 @@ public:
     };
     /// Waits for an event. An `idleTime` or `limit` of zero is never.
     Event wait(std::chrono::nanoseconds limit, std::chrono::nanoseconds idleTime);
+    /// True as soon as a node has an error of its own, whether the graph runs or not; false if none has by then.
+    /// For after a refusal: news of its cause, such as a camera that is gone, may come a moment later and on
+    /// another thread.
+    bool waitForNodeError(std::chrono::nanoseconds limit);
     /// Makes `wait` return; safe from any thread (not from a signal handler).
     void requestStop();
 

@@ -4,7 +4,7 @@
 
 #include "gcbase/exception.h"
 
-#include "utils/log.h"
+#include "runtime/nodecall.h"
 
 namespace Nivex::DataProcessing::Runtime {
 
@@ -12,12 +12,6 @@ using Core::LossCause;
 using Core::NodeBase;
 
 namespace {
-
-Utils::CatId graphCategory()
-{
-    static const Utils::CatId category = Utils::getCatId("nivex.dataprocessing.runtime.Graph");
-    return category;
-}
 
 using Counter = std::atomic<std::uint64_t>;
 
@@ -47,6 +41,7 @@ struct Scheduler::Lane
     std::vector<GenICam::gcstring> inputs;
     Route route;
     std::size_t routeInputs = 0;  ///< Slots of all nodes on the route.
+    std::size_t sources = 0;      ///< On whose routes it is.
 
     // Under the scheduler's mutex.
     std::deque<Ticket*> queue;
@@ -66,6 +61,14 @@ struct Scheduler::Lane
     Counter queueMax{0};
     std::array<Counter, Core::lossCauseCount> lost{};
     StepTimes steps;
+
+    /// Waking a source for every place would cost a switch of threads per update: half a queue is worth one. But
+    /// of several sources, one that needs no waking could keep the queue above half, and the others asleep.
+    std::size_t wakeBelow() const
+    {
+        const std::size_t limit = node->getMaxInputJobCount();
+        return sources > 1 ? limit : limit / 2 + 1;
+    }
 
     void clearFigures()
     {
@@ -172,8 +175,10 @@ Scheduler::Scheduler(Threading::ThreadPool& pool, std::vector<NodeSetup> nodes, 
     }
     for (std::size_t i = 0; i < lanes_.size(); ++i) {
         lanes_[i]->route = Route(topology, i);
-        for (const Route::Stop& stop : lanes_[i]->route.stops)
+        for (const Route::Stop& stop : lanes_[i]->route.stops) {
             lanes_[i]->routeInputs += lanes_[stop.node]->inputs.size();
+            if (!lanes_[i]->node->isForwardingUpdates()) ++lanes_[stop.node]->sources;
+        }
     }
 }
 
@@ -334,14 +339,8 @@ void Scheduler::runStep(Lane& lane, Update& update, const NodeBase::JobBody& bod
     lane.current = &update;
     raise(lane.in);
     const auto start = std::chrono::steady_clock::now();
-    try {
-        lane.node->startExecution(body);
-    } catch (...) {
-        Utils::createLogEntry(Utils::SeverityFailure, graphCategory(),
-                              "Graph: Exception caught while node \"%s\" was executing. Message: %s",
-                              lane.name.c_str(), GenICam::describeCurrentException().c_str());
-        countFailure(lane, LossCause::NodeFailed, &update);
-    }
+    const bool returned = callNode(lane.name, "executing", [&] { lane.node->startExecution(body); });
+    if (!returned) countFailure(lane, LossCause::NodeFailed, &update);
     const auto time = std::chrono::steady_clock::now() - start;
     lane.steps.record(static_cast<std::uint64_t>(std::chrono::nanoseconds(time).count()));
     lane.current = nullptr;
@@ -352,8 +351,7 @@ void Scheduler::leave(Ticket& ticket, Followers& followers)
     Update& update = *ticket.update;
     Lane& lane = *ticket.lane;
     lane.queue.pop_front();
-    // Waking a source for every place would cost a switch of threads per update: half a queue is worth one.
-    if (waiters_ > 0 && lane.queue.size() <= lane.node->getMaxInputJobCount() / 2) spaceChanged_.notify_all();
+    if (waiters_ > 0 && lane.queue.size() < lane.wakeBelow()) spaceChanged_.notify_all();
     followers.lanes.push_back(&lane);
     release(update, ticket.stop->successors, followers);
 }
@@ -396,7 +394,7 @@ void Scheduler::settle(Followers& followers)
     for (std::shared_ptr<Update>& update : followers.done) {
         ledger_.settle(update->getOutcome());
         touch();
-        if (update->completed) update->completed();
+        if (update->completed) callNode(update->source.name, "told of an update's end", update->completed);
         update.reset();
         // Last, so that who waits for the end sees all of it.
         std::lock_guard guard(mutex_);

@@ -114,8 +114,7 @@ private:
     std::condition_variable drained_;
     std::uint64_t lastSequenceNumber_ = 0;
     std::uint64_t travelling_ = 0;
-    std::atomic<int> executing_{
-        0};  ///< Threads in `execute`; raised without the mutex, as an update travels then.
+    std::atomic<int> executing_{0};  // threads in `execute`; raised without the mutex, as an update travels then
     std::size_t waiters_ = 0;
     bool sourcesReleased_ = true;
 };

@@ -5,13 +5,17 @@
 
 #include <barrier>
 #include <future>
+#include <semaphore>
 
 #include "core/errors.h"
 #include "core/string.h"
 #include "framework/graph/graphtest.h"
+#include "framework/logcapture.h"
+#include "framework/refusal.h"
 
 using namespace GraphTest;
 using namespace std::chrono_literals;
+using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -115,6 +119,29 @@ TEST_F(GraphTravel, AFullQueueHoldsTheSourceBackUntilTheRecipeStops)
     EXPECT_EQ(statistics.nodes[1].queueMax, sink.getMaxInputJobCount());
 }
 
+// Or else one that never waits could keep the other asleep for ever.
+TEST_F(GraphTravel, AQueueOfSeveralSourcesIsRefilledPlaceByPlace)
+{
+    std::counting_semaphore<> steps(0);
+    StepNode& sink = addStep(graph, "Sink", {"1", "2"}, {}, [&](StepNode&) { steps.acquire(); });
+    for (const std::string name : {"1", "2"}) {
+        add(graph, "Source" + name, std::make_unique<Source>(true));
+        graph.connect("Source" + name, "Out", "Sink", name);
+    }
+    graph.start();
+    const auto end = std::chrono::steady_clock::now() + ample;
+    for (std::uint64_t finished = 0; finished < 3; ++finished) {
+        while (graph.getStatistics().offered < sink.getMaxInputJobCount() + finished) {
+            if (std::chrono::steady_clock::now() > end) ADD_FAILURE() << "asleep";
+            if (HasFailure()) break;
+            std::this_thread::yield();
+        }
+        steps.release();
+    }
+    steps.release(1000);
+    graph.stop();
+}
+
 TEST_F(GraphTravel, TheLimitLetsExactlySoManyUpdatesThroughFromAllSources)
 {
     std::atomic<std::uint64_t> arrived = 0;
@@ -136,6 +163,7 @@ TEST_F(GraphTravel, TheLimitLetsExactlySoManyUpdatesThroughFromAllSources)
 
 TEST_F(GraphTravel, AFailingStepIsCountedAndTheUpdateGoesOnWithoutItsValues)
 {
+    const ScopedLogCapture quiet;
     std::vector<long> seen;
     Source& source = add(graph, "Source", std::make_unique<Source>());
     addStep(graph, "Fails", {"In"}, {"Out"}, [](StepNode& n) {
@@ -161,6 +189,7 @@ TEST_F(GraphTravel, AFailingStepIsCountedAndTheUpdateGoesOnWithoutItsValues)
 
 TEST_F(GraphTravel, AnUpdateCompletesAfterItsLastNodeAndNumbersRise)
 {
+    const ScopedLogCapture log;
     std::vector<std::string> order;
     Source& source = add(graph, "Source", std::make_unique<Source>());
     addStep(graph, "Sink", {"In"}, {}, [&](StepNode& n) { order.push_back("step " + std::to_string(n.get(0))); });
@@ -173,6 +202,7 @@ TEST_F(GraphTravel, AnUpdateCompletesAfterItsLastNodeAndNumbersRise)
         source.createJob(update, {{"Out", Variant(Integer(n))}}, [&] {
             order.push_back("done");
             done.set_value();
+            throw n;  // which keeps the graph neither from the next update nor from its end
         });
         done.get_future().wait();
         EXPECT_EQ(update->getSequenceNumber(), static_cast<std::uint64_t>(n));
@@ -180,6 +210,7 @@ TEST_F(GraphTravel, AnUpdateCompletesAfterItsLastNodeAndNumbersRise)
     }
     graph.stop();
     EXPECT_THAT(order, ElementsAre("step 1", "done", "step 2", "done"));
+    EXPECT_THAT(log.messages(), Each(HasSubstr("node \"Source\" was told of an update's end. Message: unknown")));
 }
 
 class GraphLife : public testing::Test
@@ -210,37 +241,88 @@ TEST_F(GraphLife, SinksStartFirstAndSourcesStopFirstEachTime)
         EXPECT_THROW(graph.start(), GenICam::LogicalErrorException);
         graph.stop();
         graph.free();
-        EXPECT_THAT(events, ElementsAre("start Sink", "start Middle", "start Source", "stop Source", "stop Middle",
-                                        "stop Sink"));
+        EXPECT_THAT(events,
+                    ElementsAre("allocate Middle", "allocate Sink", "start Sink", "start Middle", "start Source",
+                                "stop Source", "stop Middle", "stop Sink", "free Sink", "free Middle"));
     }
 }
 
-TEST_F(GraphLife, AFailingStartUndoesTheOthersAndNamesTheNode)
+TEST_F(GraphLife, AFailureUndoesWhatWasDoneAndNamesTheNode)
 {
+    const ScopedLogCapture quiet;
+    const std::string allocation = ": The node's resources cannot be allocated: No belt.";
+    const std::string start = ": The node cannot be started: ";
+    const struct
+    {
+        const char* middle;  ///< Where it fails.
+        const char* sink;
+        std::string failure;
+        Events events;
+    } rows[] = {
+        {"start", "", "Middle" + start + "No belt.", {"start Sink", "start Middle", "stop Sink"}},
+        {"start", "stop", "Middle" + start + "No belt.", {"start Sink", "start Middle", "stop Sink"}},
+        {"", "allocate", "Sink" + allocation, {"allocate Middle", "allocate Sink", "free Middle"}},
+        {"free", "allocate", "Sink" + allocation, {"allocate Middle", "allocate Sink", "free Middle"}},
+    };
     auto& middle = dynamic_cast<StepNode&>(*graph.findNode("Middle"));
-    middle.failStart = true;
-    try {
-        graph.start();
-        FAIL() << "started";
-    } catch (const GenICam::RuntimeException& e) {
-        EXPECT_STREQ(e.GetDescription(), "Middle: The node cannot be started: No belt.");
+    auto& sink = dynamic_cast<StepNode&>(*graph.findNode("Sink"));
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.failure);
+        events.clear();
+        middle.failing = row.middle;
+        sink.failing = row.sink;
+        const bool allocates = row.failure.ends_with(allocation);
+        EXPECT_EQ(refusal<Runtime::NodeFailure>([&] { allocates ? graph.allocate() : graph.start(); }),
+                  row.failure);
+        EXPECT_EQ(events, row.events);
+        EXPECT_FALSE(graph.isRunning());
     }
-    EXPECT_THAT(events, ElementsAre("start Sink", "stop Sink"));
-    EXPECT_FALSE(graph.isRunning());
-    middle.failStart = false;
+    middle.failing = sink.failing = "";
     EXPECT_NO_THROW(graph.start());
+    graph.stop();
+    middle.removeOutput("Out");
+    EXPECT_EQ(refusal<Runtime::NodeFailure>([&] { graph.start(); }),
+              "Middle" + start + "There is no output \"Out\".");
+}
+
+// What nodes throw at their end goes no further, and each comes to all stages of its end.
+TEST_F(GraphLife, EndsInWhateverOrderNodesFail)
+{
+    const ScopedLogCapture log;
+    auto other = std::make_unique<Runtime::Graph>(std::make_shared<Pool>(2));
+    for (const char* name : {"A", "B"}) {
+        const auto step = [](StepNode&) {};
+        add(*other, name, std::make_unique<StepNode>(Names{}, Names{}, step, &events, name)).failing =
+            "stop free end";
+    }
+    other->allocate();
+    other->start();
+    events.clear();
+    other.reset();
+    EXPECT_THAT(events, testing::UnorderedElementsAre("stop A", "stop B", "free A", "free B", "end A", "end B"));
+    EXPECT_THAT(log.messages(), testing::SizeIs(6));
+
+    StepNode alone(
+        {}, {}, [](StepNode&) {}, &events, "C");
+    alone.failing = "stop";
+    alone.start({});
+    alone.cleanup();
+    EXPECT_THAT(events, testing::IsSupersetOf({"stop C", "end C"}));
 }
 
 TEST_F(GraphLife, WaitTellsWhatHappened)
 {
     using Event = Runtime::Graph::Event;
+    EXPECT_FALSE(graph.waitForNodeError(1ms));
     graph.start();
     EXPECT_EQ(graph.wait(ample, 1ms), Event::Idle);
     EXPECT_EQ(graph.wait(1ms, 0ns), Event::TimeOver);
     auto waiting = std::async(std::launch::async, [&] { return graph.wait(ample, 0ns); });
+    auto erring = std::async(std::launch::async, [&] { return graph.waitForNodeError(ample); });
     auto& sink = dynamic_cast<StepNode&>(*graph.findNode("Sink"));
     sink.setError(std::make_shared<Core::DeviceError>("Unplugged.", Utils::DateTime::now()));
     EXPECT_EQ(waiting.get(), Event::NodeError);
+    EXPECT_TRUE(erring.get());
     graph.requestStop();
     EXPECT_EQ(graph.wait(ample, 0ns), Event::StopRequested);
 }
@@ -300,6 +382,42 @@ public:
 };
 
 // An input without a type of its own takes one from its connection.
+TEST(GraphConnection, NodesRefusePinsAndSinksThatCannotBe)
+{
+    struct Pins : Source
+    {
+        using Source::createInputPin;
+        using Source::createOutput;
+    } node;
+    struct Sink : Core::IOutputSink
+    {
+        void onOutput(const std::shared_ptr<Core::IGraphUpdate>&, const Variant&) override {}
+    };
+    const auto type = Utils::TypeInfo::get<Integer>();
+    const auto sink = std::make_shared<Sink>();
+    node.createOutput("One", "One", type, false);
+    node.createInputPin("In", "In", {}, false, 1);
+    const auto attachment = node.attachOutputSink("One", sink);
+    const auto binding = node.configureInputType("In", type);
+    const std::pair<std::function<void()>, const char*> rows[] = {
+        {[&] { node.createOutput("One", "", type); }, "There is an output \"One\" already."},
+        {[&] { node.createOutput("", "", type); }, "An output needs a name."},
+        {[&] { node.createInputPin("In", "", type, false, 1); }, "There is an input \"In\" already."},
+        {[&] { node.attachOutputSink("One", nullptr); }, "The sink for output \"One\" is null."},
+        {[&] { node.attachOutputSink("Two", sink); }, "There is no output \"Two\"."},
+        {[&] { node.attachOutputSink("One", sink); }, "The output \"One\" takes no more than 1 connections."},
+        {[&] { node.configureInputType("In", type); }, "The input \"In\" has a type already."},
+        {[&] { node.setAutoResetEnabled("Out", false); }, "There is no input \"Out\"."},
+    };
+    for (const auto& [call, text] : rows)
+        EXPECT_EQ(refusal<GenICam::InvalidArgumentException>(call), text);
+    EXPECT_TRUE(node.isOutputSinkAttached(attachment) && node.isConfigured(binding));
+    node.detachOutputSink(attachment);
+    node.unconfigureInputType(binding);
+    EXPECT_FALSE(node.isOutputSinkAttached(attachment) || node.isConfigured(binding));
+    EXPECT_TRUE(node.attachOutputSink("One", sink) && node.canConfigure("In"));
+}
+
 TEST(GraphConnection, AVariableInputIsBoundToTheTypeOfItsSource)
 {
     Runtime::Graph graph(std::make_shared<Pool>(2));

@@ -45,6 +45,7 @@ public:
     long get(std::size_t input) const { return in_[input]->hasValue() ? in_[input]->getValue().getSigned() : -1; }
     void put(std::size_t output, long value) { out_[output]->setValue(Integer(value)); }
 
+    using NodeBase::removeOutput;
     using NodeBase::reportLoss;
     using NodeBase::reportRecorded;
     using NodeBase::setError;
@@ -52,21 +53,29 @@ public:
     void loadSettings(const std::shared_ptr<Core::ISettings>&) override {}
     void saveSettings(const std::shared_ptr<Core::ISettings>&) override {}
 
-    bool failStart = false;
+    std::string failing;  ///< The stages of life that throw.
 
 protected:
     void process() override { step_(*this); }
-    void onStarting(const Core::NodeArgumentCollection&) override
+    void allocateAdditionalResources(const std::shared_ptr<Core::IResourcePool>&, bool) override
     {
-        if (failStart) GENICAM_THROW(RuntimeException, "No belt.");
-        if (events_) events_->push_back("start " + name_);
+        enter("allocate");
     }
-    void onStopping() override
+    void onStarting(const Core::NodeArgumentCollection&) override { enter("start"); }
+    void onStopping() override { enter("stop"); }
+    void freeAdditionalResources(bool final) override
     {
-        if (events_) events_->push_back("stop " + name_);
+        reportMissed(LossCause::SourceFailed, 0);  // as a node may as long as it lives
+        enter(final ? "end" : "free");
     }
 
 private:
+    void enter(const std::string& stage)
+    {
+        if (events_) events_->push_back(stage + " " + name_);
+        if (failing.find(stage) != std::string::npos) GENICAM_THROW(RuntimeException, "No belt.");
+    }
+
     using Pin = Utils::ResettableProperty<Integer>;
     static std::unique_ptr<Pin> makePin() { return std::make_unique<Pin>(); }
 

@@ -6,7 +6,7 @@
 #include <functional>
 #include <limits>
 
-#include "gcbase/exception.h"
+#include "framework/refusal.h"
 
 namespace Nivex::DataProcessing::Runtime {
 
@@ -28,12 +28,7 @@ protected:
 
     void expectRefused(const std::function<void()>& access, const std::string& part)
     {
-        try {
-            access();
-            ADD_FAILURE() << "not refused: " << part;
-        } catch (const GenICam::RuntimeException& e) {
-            EXPECT_THAT(e.GetDescription(), HasSubstr(part));
-        }
+        EXPECT_THAT(refusal<GenICam::RuntimeException>(access), HasSubstr(part));
     }
 };
 

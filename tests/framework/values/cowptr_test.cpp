@@ -4,7 +4,7 @@
 #include <thread>
 #include <vector>
 
-#include "framework/values/refusal.h"
+#include "framework/refusal.h"
 
 namespace {
 

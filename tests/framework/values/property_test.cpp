@@ -2,14 +2,8 @@
 
 #include <thread>
 
-#include "core/array.h"
-#include "core/boolean.h"
-#include "core/circlef.h"
-#include "core/float.h"
-#include "core/image.h"
-#include "core/integer.h"
-#include "core/string.h"
-#include "framework/values/refusal.h"
+#include "core/values.h"
+#include "framework/refusal.h"
 
 namespace {
 

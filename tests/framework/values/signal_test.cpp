@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "framework/logcapture.h"
-#include "framework/values/refusal.h"
+#include "framework/refusal.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include <thread>
 
-#include "framework/values/refusal.h"
+#include "framework/refusal.h"
 #include "threading/conditionvariable.h"
 #include "threading/recursiveclock.h"
 

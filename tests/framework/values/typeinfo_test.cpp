@@ -2,15 +2,9 @@
 
 #include <gmock/gmock.h>
 
-#include "core/array.h"
-#include "core/boolean.h"
-#include "core/circlef.h"
-#include "core/float.h"
-#include "core/image.h"
-#include "core/integer.h"
-#include "core/string.h"
+#include "core/values.h"
 #include "framework/logcapture.h"
-#include "framework/values/refusal.h"
+#include "framework/refusal.h"
 #include "utils/signal.h"
 #include "utils/typeregistrar.h"
 

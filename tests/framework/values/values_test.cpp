@@ -1,3 +1,5 @@
+#include "core/values.h"
+
 #include <gmock/gmock.h>
 
 #include <cstring>
@@ -5,21 +7,9 @@
 #include <limits>
 #include <thread>
 
-#include "core/array.h"
-#include "core/boolean.h"
 #include "core/bufferprovider.h"
-#include "core/circlef.h"
-#include "core/ellipsef.h"
 #include "core/errors.h"
-#include "core/float.h"
-#include "core/image.h"
-#include "core/integer.h"
-#include "core/linef.h"
-#include "core/rectanglef.h"
-#include "core/region.h"
-#include "core/string.h"
-#include "core/transformationdata.h"
-#include "framework/values/refusal.h"
+#include "framework/refusal.h"
 
 namespace {
 

@@ -1,19 +1,8 @@
 #include "utils/variant.h"
 
-#include "core/array.h"
-#include "core/boolean.h"
-#include "core/circlef.h"
-#include "core/ellipsef.h"
 #include "core/errors.h"
-#include "core/float.h"
-#include "core/image.h"
-#include "core/integer.h"
-#include "core/linef.h"
-#include "core/rectanglef.h"
-#include "core/region.h"
-#include "core/string.h"
-#include "core/transformationdata.h"
-#include "framework/values/refusal.h"
+#include "core/values.h"
+#include "framework/refusal.h"
 #include "utils/propertyinfo.h"
 
 namespace {
