@@ -80,6 +80,14 @@ std::string_view Element::Text() const
     return Trimmed(pugi::xml_node(node_).child_value());
 }
 
+std::string_view Element::Prose() const
+{
+    const std::string_view text = pugi::xml_node(node_).child_value();
+    const std::string_view trimmed = Trimmed(text);
+    if (trimmed.empty() || text.find('\n') != std::string_view::npos) return trimmed;
+    return text.substr(static_cast<std::size_t>(trimmed.data() - text.data()));
+}
+
 std::string_view Element::Attribute(const char* name) const
 {
     return Trimmed(pugi::xml_node(node_).attribute(name).value());

@@ -22,6 +22,8 @@ public:
     std::string_view Name() const;
     /// The text between the tags without blanks at its ends.
     std::string_view Text() const;
+    /// The text as it is to be shown: on one line, blanks at its end belong to it.
+    std::string_view Prose() const;
     /// The attribute's text without blanks at its ends; empty if it is missing.
     std::string_view Attribute(const char* name) const;
     Element FirstChild() const;

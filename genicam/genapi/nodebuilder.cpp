@@ -138,7 +138,7 @@ bool ElementReader::IsOneOf(std::initializer_list<std::string_view> names) const
 
 bool ElementReader::TakeProse(gcstring& text) const
 {
-    if (!builder_.SuppressesStrings()) text = gcstring(text_);
+    if (!builder_.SuppressesStrings()) text = gcstring(element_.Prose());
     return true;
 }
 

@@ -19,9 +19,11 @@ std::vector<std::string> Names(const FeatureList_t& features)
 
 const std::string gain = R"(<Category Name="Root"><pFeature>Gain</pFeature><pFeature>Selector</pFeature></Category>
     <Integer Name="Gain" MergePriority="+1">
-        <ToolTip>Tip &amp; more</ToolTip>
+        <ToolTip>
+            Tip &amp; more
+        </ToolTip>
         <Description>Text</Description>
-        <DisplayName>The gain</DisplayName>
+        <DisplayName> The gain </DisplayName>
         <Visibility>Guru</Visibility>
         <DocuURL>http://x</DocuURL>
         <IsDeprecated>Yes</IsDeprecated>
@@ -44,7 +46,7 @@ TEST(Nodes, TellWhatTheDescriptionSays)
     INode& node = *map->GetNode("Gain");
     EXPECT_EQ(node.GetToolTip(), "Tip & more");
     EXPECT_EQ(node.GetDescription(), "Text");
-    EXPECT_EQ(node.GetDisplayName(), "The gain");
+    EXPECT_EQ(node.GetDisplayName(), "The gain ");
     EXPECT_EQ(node.GetVisibility(), Guru);
     EXPECT_EQ(node.GetDocuURL(), "http://x");
     EXPECT_EQ(node.GetEventID(), "9000");
