@@ -23,7 +23,9 @@ struct Row
     bool isBoolean;
     bool isReadOnly;
     std::int64_t initial;
-    std::int64_t max;  ///< Of a number; the least is 1, and 0 for counts.
+    std::int64_t max;
+
+    constexpr std::int64_t Min() const { return isBoolean || isReadOnly ? 0 : 1; }
 };
 
 enum RowIndex
@@ -151,7 +153,7 @@ std::string nodesOf(const Row& row, std::size_t index)
     const std::string feature = row.isBoolean ? "<Boolean Name=\"" + name + "\">" + texts + streamable + value +
                                                     "<OnValue>1</OnValue><OffValue>0</OffValue></Boolean>"
                                               : "<Integer Name=\"" + name + "\">" + texts + streamable + value +
-                                                    element("Min", row.isReadOnly ? "0" : "1") +
+                                                    element("Min", std::to_string(row.Min())) +
                                                     element("Max", std::to_string(row.max)) + "</Integer>";
     return feature + "<IntReg Name=\"" + name + "Reg\">" +
            element("Address", std::to_string(index * registerSize)) +
@@ -200,12 +202,18 @@ public:
         std::memcpy(buffer, &value, registerSize);
     }
 
+    /// The registers are nodes too, which know no limits.
     void Write(const void* buffer, int64_t address, int64_t length) override
     {
         std::int64_t value = 0;
-        const RowIndex row = RowAt(address, length);
+        const RowIndex index = RowAt(address, length);
         std::memcpy(&value, buffer, registerSize);
-        values_[row] = value;
+        const Row& row = rows[index];
+        if (value < row.Min() || value > row.max)
+            GENICAM_THROW(OutOfRangeException, "%s: %lld is not within %lld to %lld.", row.name,
+                          static_cast<long long>(value), static_cast<long long>(row.Min()),
+                          static_cast<long long>(row.max));
+        values_[index] = value;
     }
 
 private:
@@ -249,7 +257,7 @@ CameraParameters::~CameraParameters()
 {
     try {
         nodeMap_->Connect(nullptr);
-    } catch (const std::exception&) {
+    } catch (...) {
         // A callback of some node failed; the port is disconnected all the same.
         return;
     }

@@ -171,7 +171,8 @@ TEST(Camera, HasNoMoreBuffersThanAskedFor)
     EXPECT_EQ(world.Take()->GetBlockID(), 4U);
     world.camera.StopGrabbing();
     EXPECT_EQ(world.Get("NumEmptyBuffers"), 1);
-    EXPECT_THROW(world.Set("MaxNumBuffer", 0), GenICam::OutOfRangeException);
+    for (const char* node : {"MaxNumBuffer", "MaxNumBufferReg", "OutputQueueSizeReg"})
+        EXPECT_THROW(world.Set(node, 0), GenICam::OutOfRangeException) << node;
 }
 
 TEST(Camera, EndsAfterTheLastImage)
