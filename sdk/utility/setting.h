@@ -1,8 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
-#include <functional>
-#include <initializer_list>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -102,14 +102,15 @@ public:
     /// Raises InvalidArgumentException, and keeps the value, if `value` is none of the entries.
     void SetValue(E value)
     {
-        for (const E entry : entries_) {
-            if (entry == value) {
-                value_ = value;
-                return;
-            }
+        if (std::find(entries_.begin(), entries_.end(), value) != entries_.end()) {
+            value_ = value;
+            return;
         }
-        GENICAM_THROW(InvalidArgumentException, "%s: 0x%llX is none of its %zu values.", texts_.name.c_str(),
-                      static_cast<unsigned long long>(value), entries_.size());
+        std::string allowed;
+        for (const E entry : entries_)
+            allowed += (allowed.empty() ? "" : ", ") + std::to_string(static_cast<std::uint64_t>(entry));
+        GENICAM_THROW(InvalidArgumentException, "%s: value %llu is none of %s.", texts_.name.c_str(),
+                      static_cast<unsigned long long>(value), allowed.c_str());
     }
 
 private:

@@ -154,6 +154,9 @@ void ImageFormatConverter::process()
             convert(*image);
         }
     } catch (const GenICam::GenericException& e) {
+        Utils::createLogEntry(Utils::SeverityFailure, channel(),
+                              "ImageFormatConverter %p: Exception caught while converting. Message: \"%s\"",
+                              static_cast<const void*>(this), e.GetDescription());
         outputError(e.GetDescription(), *image, Core::LossCause::ConversionFailed);
     }
 }

@@ -81,7 +81,7 @@ void decodeGroups(const SourceRow& source, std::size_t width, const Channels<T>&
 {
     constexpr std::size_t groupBytes = Group * Components * (Sample == gigeSample<Depth> ? 12 : Depth) / 8;
     const std::uint8_t* __restrict from = source.plane[0];
-    const Channels<T> to = line;
+    const Channels<T> to = line;  // A copy: bytes written through `line` could be its own pointers.
     const auto decodePixel = [&](std::size_t x, std::size_t pixel) {
         for (unsigned i = 0; i < Components; ++i)
             to[i][x + pixel] = toSample<T, Depth>(Sample(from, Components * pixel + i));

@@ -49,7 +49,11 @@ protected:
         const auto* data = static_cast<const std::uint8_t*>(image->getDataConst());
         return {data, data + image->getImageSize()};
     }
-    GenApi::CNodeMapRef map() { return node.getNodeMap("@Stagelet"); }
+    template <typename Interface>
+    Interface& feature(const char* name)
+    {
+        return dynamic_cast<Interface&>(*node.getNodeMap("@Stagelet").GetNode(name));
+    }
 
     ScopedLogCapture log;
     FakeHost host;
@@ -153,6 +157,10 @@ TEST_F(ImageFormatConverterTest, WhatCannotBeConvertedGivesAnErroneousOutput)
     EXPECT_EQ(output->getError()->getDescription(), gcstring(message));
     EXPECT_NE(message, "");
     EXPECT_EQ(output->getError()->getParentErrors(), Core::ErrorList{nullptr});
+    ASSERT_EQ(log.lines().size(), 1U);
+    EXPECT_EQ(log.lines()[0].message,
+              GenICam::formatText("ImageFormatConverter %p: Exception caught while converting. Message: \"%s\"",
+                                  static_cast<void*>(&node), message.c_str()));
 
     EXPECT_TRUE(process(Core::PinValues())->hasError()) << "no input counts as an empty image";
     ASSERT_EQ(host.losses.size(), 2U);
@@ -175,47 +183,71 @@ TEST_F(ImageFormatConverterTest, ShowsItsParameters)
     EXPECT_EQ(node.getNodeMapInfos()[0].GetIdentifier(), "@Stagelet");
 
     GenApi::FeatureList_t features;
-    dynamic_cast<GenApi::ICategory&>(*map().GetNode("Root")).GetFeatures(features);
+    feature<GenApi::ICategory>("Root").GetFeatures(features);
     std::vector<gcstring> names;
-    for (GenApi::IValue* feature : features) {
-        names.push_back(dynamic_cast<GenApi::INode&>(*feature).GetName());
-        EXPECT_EQ(feature->GetAccessMode(), GenApi::RW) << names.back();
-        EXPECT_EQ(dynamic_cast<GenApi::INode&>(*feature).GetVisibility(), GenApi::Beginner) << names.back();
+    for (GenApi::IValue* value : features) {
+        const auto& member = dynamic_cast<GenApi::INode&>(*value);
+        names.push_back(member.GetName());
+        EXPECT_EQ(value->GetAccessMode(), GenApi::RW) << names.back();
+        EXPECT_EQ(member.GetVisibility(), GenApi::Beginner) << names.back();
     }
     EXPECT_EQ(names, (std::vector<gcstring>{"OutputPixelFormat", "OutputBitAlignment", "OutputOrientation",
                                             "OutputPaddingX", "MaxNumThreads"}));
 
-    auto& format = dynamic_cast<GenApi::IEnumeration&>(*map().GetNode("OutputPixelFormat"));
+    auto& format = feature<GenApi::IEnumeration>("OutputPixelFormat");
     GenApi::NodeList_t entries;
     format.GetEntries(entries);
     EXPECT_EQ(entries.size(), 11U);
-    for (GenApi::INode* entry : entries) {
-        const auto value = dynamic_cast<GenApi::IEnumEntry&>(*entry).GetValue();
-        format.SetIntValue(value);
-        EXPECT_EQ(node.getOutputPixelFormat(), value);
-        EXPECT_EQ(dynamic_cast<GenApi::IEnumEntry&>(*entry).GetSymbolic(), format.ToString());
-        const auto known = Nivex::GetPixelTypeByName(format.ToString());
-        if (known != Nivex::EPixelType::Undefined) {
-            EXPECT_EQ(static_cast<std::int64_t>(known), value);
-        }
+    for (GenApi::INode* entryNode : entries) {
+        auto& entry = dynamic_cast<GenApi::IEnumEntry&>(*entryNode);
+        format.SetIntValue(entry.GetValue());
+        EXPECT_EQ(node.getOutputPixelFormat(), entry.GetValue());
+        EXPECT_EQ(static_cast<std::int64_t>(Nivex::GetPixelTypeByName(entry.GetSymbolic())), entry.GetValue());
     }
-    EXPECT_EQ(map().GetNode("EnumEntry_OutputPixelFormat_Mono8")->GetToolTip(),
-              "The output pixel format is set to Mono 8 Packed.");
-    EXPECT_EQ(map().GetNode("EnumEntry_OutputPixelFormat_YUV420Planar")->GetDescription(),
-              "The output pixel format is set ot YUV420 Planar.");
-    EXPECT_EQ(map().GetNode("EnumEntry_OutputPixelFormat_YUV422Planar")->GetToolTip(),
-              "The output pixel format is set to YUV422 Planar");
 
-    const auto integer = [&](const char* name) -> GenApi::IInteger& {
-        return dynamic_cast<GenApi::IInteger&>(*map().GetNode(name));
+    auto& padding = feature<GenApi::IInteger>("OutputPaddingX");
+    EXPECT_EQ(padding.GetMax(), 4294967295);
+    EXPECT_EQ(padding.GetRepresentation(), GenApi::Linear);
+    auto& threads = feature<GenApi::IInteger>("MaxNumThreads");
+    EXPECT_EQ(threads.GetValue(), 1);
+    EXPECT_EQ(threads.GetMax(), Nivex::CImageFormatConverter().MaxNumThreads.GetMax());
+    EXPECT_EQ(threads.GetRepresentation(), GenApi::PureNumber);
+}
+
+// Some of the texts have oddities that users know.
+TEST_F(ImageFormatConverterTest, KeepsItsTexts)
+{
+    const Nivex::ParameterTexts threads = Nivex::CImageFormatConverter().MaxNumThreads.GetTexts();
+    const struct
+    {
+        const char* node;
+        const char* displayName;
+        const char* toolTip;
+        const char* description;
+    } rows[] = {
+        {"OutputPaddingX", "Padding X", "Number of additional data bytes at the end of each line.",
+         "Number of additional data bytes at the end of each line. These bytes are set to zero during the "
+         "conversion."},
+        {"MaxNumThreads", threads.displayName, threads.toolTip, threads.description},
+        {"EnumEntry_OutputPixelFormat_Mono8", "Mono 8", "The output pixel format is set to Mono 8 Packed.",
+         "The output pixel format is set to Mono 8 Packed."},
+        {"EnumEntry_OutputPixelFormat_YUV422Planar", "YUV422 Planar",
+         "The output pixel format is set to YUV422 Planar", "The output pixel format is set to YUV422 Planar."},
+        {"EnumEntry_OutputPixelFormat_YUV420Planar", "YUV420 Planar",
+         "The output pixel format is set to YUV420 Planar.", "The output pixel format is set ot YUV420 Planar."},
+        {"EnumEntry_OutputBitAlignment_LsbAligned", "LSB Aligned ",
+         "Image data is aligned with the least significant bit.",
+         "Image data is aligned with the least significant bit."},
+        {"EnumEntry_OutputBitAlignment_MsbAligned", "MSB Aligned ",
+         "Image data is aligned at the most significant bit.",
+         "Image data is aligned with the most significant bit."},
     };
-    const Nivex::CImageFormatConverter converter;
-    EXPECT_EQ(integer("MaxNumThreads").GetValue(), 1);
-    EXPECT_EQ(integer("MaxNumThreads").GetMax(), converter.MaxNumThreads.GetMax());
-    EXPECT_EQ(integer("MaxNumThreads").GetRepresentation(), GenApi::PureNumber);
-    EXPECT_EQ(map().GetNode("MaxNumThreads")->GetToolTip(), converter.MaxNumThreads.GetTexts().toolTip);
-    EXPECT_EQ(integer("OutputPaddingX").GetMax(), 4294967295);
-    EXPECT_EQ(integer("OutputPaddingX").GetRepresentation(), GenApi::Linear);
+    for (const auto& row : rows) {
+        const GenApi::INode& shown = feature<GenApi::INode>(row.node);
+        EXPECT_EQ(shown.GetDisplayName(), row.displayName) << row.node;
+        EXPECT_EQ(shown.GetToolTip(), row.toolTip) << row.node;
+        EXPECT_EQ(shown.GetDescription(), row.description) << row.node;
+    }
 }
 
 TEST_F(ImageFormatConverterTest, ARefusedValueChangesNothing)
@@ -294,6 +326,10 @@ TEST_F(ImageFormatConverterTest, RefusesBadSettings)
         {"OutputOrientation", gcstring("topdown"), "Unknown symbolic name of output orientation found."},
         {"OutputBitAlignment", gcstring("1"), "Unknown symbolic name of output bit alignment found."},
         {"OutputPixelFormat", std::uint64_t{0x101080001}, "OutputPixelFormat: 0x101080001 is no pixel type."},
+        {"OutputPixelFormat", std::uint64_t{1},
+         "OutputPixelFormat: value 1 is none of 35651607, 35127317, 17301505, 17825799, 35127316, 36700211, "
+         "35127329, "
+         "36700196, 2182611012, 2182086722, 2181824576."},
     };
     for (const Row& row : rows) {
         const auto store = std::make_shared<FakeSettings>();
