@@ -79,7 +79,7 @@ void CameraEvents::Deliver(std::uint64_t eventId, const std::uint8_t* data, std:
             ++unknown_;
             return;
         }
-    } catch (const std::exception&) {
+    } catch (...) {
         // A callback of some node failed; the data has arrived all the same.
         report(GenICam::describeCurrentException());
     }

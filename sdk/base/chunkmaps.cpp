@@ -49,7 +49,7 @@ bool ChunkMap::Detach() noexcept
     }
     try {
         adapter_.DetachBuffer();
-    } catch (const std::exception&) {
+    } catch (...) {
         // A callback of some node failed. The buffer is detached, and who let go of the result is not to blame.
         return false;
     }

@@ -252,7 +252,7 @@ void GrabQueue::ProvideChunkMap(GrabBuffer& buffer, bool wanted) const
     if (buffer.HasChunkMap()) return;
     try {
         buffer.SetChunkMap(chunkMaps_->Make(), "the camera describes no chunks, or was closed too early.");
-    } catch (const std::exception&) {
+    } catch (...) {
         buffer.SetChunkMap(nullptr, GenICam::describeCurrentException());
     }
 }
