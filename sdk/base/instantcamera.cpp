@@ -185,6 +185,11 @@ std::uint64_t CInstantCamera::GetNumberOfDiscardedResults() const
     return impl_->Queue().Discarded();
 }
 
+std::uint64_t CInstantCamera::GetFirstBlockID() const
+{
+    return impl_->FirstBlockID();
+}
+
 void CInstantCamera::ExecuteSoftwareTrigger()
 {
     CCommandParameter(GetNodeMap(), "TriggerSoftware").Execute();

@@ -121,6 +121,8 @@ public:
     /// were skipped for them, and frames that arrived before the stream had stopped. Frames beyond `maxImages` are
     /// none.
     std::uint64_t GetNumberOfDiscardedResults() const;
+    /// The block ID that the first frame of a grabbing has; 0 if the camera may begin with any, or there is none.
+    std::uint64_t GetFirstBlockID() const;
     /// Executes TriggerSoftware. Raises what the node raises.
     void ExecuteSoftwareTrigger();
 

@@ -88,6 +88,12 @@ CDeviceInfo CInstantCamera::Impl::DeviceInfo() const
     return link_.device ? link_.device->GetDeviceInfo() : CDeviceInfo();
 }
 
+std::uint64_t CInstantCamera::Impl::FirstBlockID() const
+{
+    const std::lock_guard lock(state_);
+    return link_.device ? link_.device->GetFirstBlockID() : 0;
+}
+
 bool CInstantCamera::Impl::IsOpen() const
 {
     const std::lock_guard lock(state_);

@@ -59,6 +59,7 @@ public:
     void DetachDevice(bool forced);
     bool IsAttached() const;
     CDeviceInfo DeviceInfo() const;
+    std::uint64_t FirstBlockID() const;
     void Open();
     void Close(bool forced);
     bool IsOpen() const;

@@ -51,7 +51,7 @@ void Camera::onStarting(const Core::NodeArgumentCollection& arguments)
                 CAMERA_REFUSE(RuntimeException, this, "onStarting", text.c_str());
             }
             own.setStoppedOnlyAvailable(false, notices);
-            own.frameGaps.restart(1);
+            own.frameGaps.restart(own.camera.GetFirstBlockID());
             own.discardedBefore = own.camera.GetNumberOfDiscardedResults();
             own.eventGate.open();
             startGrabbing();

@@ -53,6 +53,7 @@ public:
     ETrailerByteOrder GetTrailerByteOrder() const override { return ETrailerByteOrder::LittleEndian; }
 
     std::size_t GetPayloadSize() const override;
+    std::uint64_t GetFirstBlockID() const override { return 1; }
     void StartStream(IStreamSink& sink) override;
     void StopStream() noexcept override;
     void QueueBuffer(const SStreamBuffer& buffer) override;

@@ -89,7 +89,8 @@ struct FakeState
     bool isRemoved = false;
     bool isStreaming = false;
     int chunkMapsMade = 0;
-    std::uint64_t blockId = 0;
+    std::uint64_t blockId = 0;       ///< Of the last frame.
+    std::uint64_t firstBlockId = 0;  ///< What the camera says of its first.
 
     void Note(const std::string& operation)
     {
@@ -214,6 +215,7 @@ public:
         state_->before("GetPayloadSize");
         return state_->payloadSize;
     }
+    std::uint64_t GetFirstBlockID() const override { return state_->firstBlockId; }
     void StartStream(Nivex::IStreamSink& sink) override
     {
         state_->Note("StartStream");

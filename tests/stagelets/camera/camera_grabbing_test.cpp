@@ -413,6 +413,25 @@ TEST_F(CameraAccount, EndsExactlyAtTheLimit)
 }
 
 // Frames that are in hand or wait in the camera's queue when the recipe stops are lost, and counted.
+// A camera may begin with any frame number, unless it says with which.
+TEST_F(CameraAccount, FramesBeforeTheFirstAreMissedWhereItsNumberIsKnown)
+{
+    for (const std::uint64_t first : {0U, 41U}) {
+        const auto backend = std::make_shared<FakeBackend>();
+        backend->state->firstBlockId = first;
+        backend->state->blockId = 42;
+        Recipe recipe(std::make_shared<Runtime::ResourcePool>(2, Runtime::ResourcePool::CameraBackends{backend}));
+        recipe.allocate();
+        recipe.graph.start();
+        for (int i = 0; i < 2; ++i, ++backend->state->blockId)
+            EXPECT_TRUE(backend->device->PushFrame());
+        await([&] { return recipe.graph.getStatistics().finished == 2; });
+        recipe.graph.stop();
+        EXPECT_EQ(lossesOf(recipe.graph.getStatistics().lost),
+                  first == 0 ? "frames_missed=1 " : "frames_missed=3 ");
+    }
+}
+
 TEST_F(CameraAccount, CountsWhatASlowRecipeLeavesBehindAtItsStop)
 {
     for (int round = 0; round < 2; ++round) {
