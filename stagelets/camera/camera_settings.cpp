@@ -74,8 +74,8 @@ DeviceProperties loadProperties(const Core::ISettings& settings)
 {
     DeviceProperties properties;
     forEachEntry(settings, devicePropertiesKey, [&](std::size_t i) {
-        properties.emplace_back(settings.getString(field(devicePropertiesKey, i, propertyKeyKey)),
-                                settings.getString(field(devicePropertiesKey, i, propertyValueKey)));
+        properties.push_back({settings.getString(field(devicePropertiesKey, i, propertyKeyKey)),
+                              settings.getString(field(devicePropertiesKey, i, propertyValueKey))});
     });
     return properties;
 }
@@ -145,16 +145,17 @@ void Camera::loadSettings(const std::shared_ptr<Core::ISettings>& settings)
                               [&](auto& lines) { lines.assign(loadLines(*settings, chunkConfigurationsKey)); });
     }
     if (settings->hasKey(featureStreamsKey)) {
+        const auto streams = settings->openChild(featureStreamsKey);
         ConfigurationSets::Texts texts;
         for (const auto& row : CameraTexts::configurationSets) {
-            const gcstring identifier = nodeMapIdentifier(row.value);
-            const SettingsPath path = SettingsPath(featureStreamsKey).addElement(identifier);
-            if (settings->hasKey(path)) texts.emplace(identifier, settings->getString(path));
+            const char* const identifier = nodeMapIdentifier(row.value);
+            if (streams->hasKey(identifier)) texts.emplace(identifier, streams->getString(identifier));
         }
         edit([&](Notices& notices) {
             Impl& own = *impl_;
-            if (texts == own.configurationSets.getActiveTexts()) return;
+            const ConfigurationSets::Texts before = own.configurationSets.getActiveTexts();
             own.configurationSets.setActiveTexts(texts);
+            if (own.configurationSets.getActiveTexts() == before) return;
             own.showConfigurationSet(notices);
             notices.settingsChanged = true;
         });

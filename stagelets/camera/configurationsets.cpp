@@ -116,6 +116,14 @@ void ConfigurationSets::transfer(const gcstring& identifier, const gcstring& tex
     }
 }
 
+void ConfigurationSets::setActiveTexts(Texts texts)
+{
+    for (auto& [identifier, text] : texts) {
+        if (auto normalised = normaliseFeatureStream(text.view())) text = *std::move(normalised);
+    }
+    active_ = std::move(texts);
+}
+
 ConfigurationSets::Texts ConfigurationSets::getActiveTexts() const
 {
     Texts texts;

@@ -51,9 +51,12 @@ public:
     /// first one that fails; the log has the cause.
     void apply(const Load& load) const;
 
-    /// @name For the recipe: the active texts that are not empty; loaded ones are taken as they are
+    /// @name For the recipe
+    /// The active texts that are not empty.
     Texts getActiveTexts() const;
-    void setActiveTexts(Texts texts) { active_ = std::move(texts); }
+    /// Replaces all active texts, normalised. One that is no feature stream is taken as it is: the camera refuses
+    /// it line by line when it is allocated.
+    void setActiveTexts(Texts texts);
 
 private:
     GenICam::gcstring modifyCfgSetStagedContent(const GenICam::gcstring& text, const char* operation) const;

@@ -41,7 +41,8 @@ std::optional<GenICam::gcstring> normaliseFeatureStream(std::string_view text)
 {
     std::string body;
     body.reserve(text.size() + featureStreamHeader.size() + 1);
-    bool hasHeader = false;
+    if (!text.empty() && text.find(featureStreamHeader) == std::string_view::npos)
+        body.append(featureStreamHeader).append(1, '\n');
     for (std::string_view rest = text; !rest.empty();) {
         const std::size_t length = std::min(rest.find('\n'), rest.size());
         const std::string_view line = rest.substr(0, length);
@@ -55,9 +56,6 @@ std::optional<GenICam::gcstring> normaliseFeatureStream(std::string_view text)
                     .append(line.substr(found.valueStart));
                 break;
             case FeatureLineKind::Comment:
-                hasHeader = hasHeader || line.find(featureStreamHeader) != std::string_view::npos;
-                body.append(line);
-                break;
             case FeatureLineKind::Feature:
                 body.append(line);
                 break;
@@ -67,7 +65,6 @@ std::optional<GenICam::gcstring> normaliseFeatureStream(std::string_view text)
         body.append(1, '\n');
         rest.remove_prefix(1);
     }
-    if (!text.empty() && !hasHeader) body.insert(0, std::string(featureStreamHeader) + '\n');
     return GenICam::gcstring(std::move(body));
 }
 

@@ -34,8 +34,8 @@ struct FeatureLine
 /// @param line comes without its line feed; a carriage return at its end belongs to the value.
 FeatureLine classifyFeatureLine(std::string_view line);
 
-/// The text with a tab in place of each ` = ` and the header as its first line if it stands in none of the
-/// comments; everything else as given. An empty text stays empty. Empty result if a line, maybe a blank one, is
+/// The text with a tab in place of each ` = ` and the header as its first line if it stands nowhere in it;
+/// everything else as given. An empty text stays empty. Empty result if a line, maybe a blank one, is
 /// neither comment nor feature.
 std::optional<GenICam::gcstring> normaliseFeatureStream(std::string_view text);
 

@@ -67,8 +67,7 @@ TEST(FeatureStreamTest, NormalisesTexts)
         {"A=1\nB\t2\n", header + "A\t1\nB\t2\n"},
         {header + "A = 1 = 2\n", header + "A\t1 = 2\n"},
         {"# my settings\n  " + header + "A\t1\n", "# my settings\n  " + header + "A\t1\n"},
-        // An identifier in a value is no header.
-        {"A\t" + header, header + "A\t" + header},
+        {"A\t" + header, "A\t" + header},
         {"A\t1\r\n# B\r\nC\t", header + "A\t1\r\n# B\r\nC\t"},
         {"A =\nUserOutput1\t0", header + "A\t\nUserOutput1\t0"},
         {"A = 1\n!!\nB = 2\n", "invalid"},
@@ -140,6 +139,10 @@ TEST_F(ConfigurationSetsTest, CommitsWhatWasStagedAndAppliesIt)
     sets.apply(send);
     EXPECT_EQ(sent.size(), 3U);
     EXPECT_EQ(sent.back(), std::pair(gcstring("@StreamGrabber0"), gcstring(header + "B\t2")));
+
+    // Texts of a recipe may have been written by hand; what is wrong with them the camera says best.
+    sets.setActiveTexts({{camera, "A = 3"}, {stream, "!!"}});
+    EXPECT_EQ(sets.getActiveTexts(), (ConfigurationSets::Texts{{camera, header + "A\t3"}, {stream, "!!"}}));
 
     sent.clear();
     sets.clear(camera);
