@@ -47,6 +47,12 @@ bool turnNotificationOn(const GenApi::NodeMapPtr& nodeMap, const gcstring& event
     return Nivex::CEnumParameter(nodeMap, "EventNotification").TrySetValue("On");
 }
 
+void logNoValues(const gcstring& pin, const std::string& cause)
+{
+    Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                          "Camera: Event pin \"%s\" is without values. Message: %s", pin.c_str(), cause.c_str());
+}
+
 }  // namespace
 
 EventPinDescription readEventPin(const gcstring& line)
@@ -126,9 +132,7 @@ void EventPinRegistrations::registerAll(Nivex::CInstantCamera& camera, const Gen
         } catch (...) {
             Utils::createLogEntry(Utils::SeverityRefused, cameraChannel(),
                                   "Camera: Unexpected error in Camera::OnOpened()");
-            Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
-                                  "Camera: Event pin \"%s\" is without values. Message: %s", line.c_str(),
-                                  GenICam::describeCurrentException().c_str());
+            logNoValues(line, GenICam::describeCurrentException());
         }
     }
 }
@@ -144,8 +148,11 @@ void EventPinRegistrations::registerLine(Nivex::CInstantCamera& camera, const gc
     if (!turnNotificationOn(camera.GetNodeMap(), pin.eventName)) {
         Utils::createLogEntry(Utils::SeverityProgress, cameraChannel(),
                               "Camera: Unable to turn on event notification for \"%s\"", pin.eventName.c_str());
+        logNoValues(pin.pinName, "The camera can't send the event \"" + pin.eventName.str() + "\".");
         return;
     }
+    if (!camera.GetNodeMap()->GetNode(pin.valueName))
+        logNoValues(pin.pinName, "The camera has no parameter \"" + pin.valueName.str() + "\".");
     Utils::createLogEntry(Utils::SeverityDetail, cameraChannel(), "Camera: RegisterCameraEventHandler");
     registrations_.reserve(registrations_.size() + 1);
     auto* const handler = new EventHandler(pin.pinName, pin.valueName, &output);

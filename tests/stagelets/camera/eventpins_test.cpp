@@ -119,6 +119,7 @@ TEST_F(EventPinsTest, ReadsOnePinPerLine)
         const EventPinDescription refused = readEventPin(line);
         EXPECT_TRUE(!refused.valid && refused.pinName.empty() && refused.eventName.empty()) << line;
         EXPECT_EQ(logged(), Texts{message});
+        EXPECT_EQ(log.lines().back().severity, 3);
     }
     log.clear();
     EXPECT_THROW(readEventPin("A.Type=Integer.EventName=X.ValueName=Y.ValueName=Y"), std::runtime_error);
@@ -158,18 +159,21 @@ TEST_F(EventPinsTest, OpeningAgainLeavesOneHandlerForEachPin)
 TEST_F(EventPinsTest, WhatFailsCostsItsPinOnly)
 {
     const std::string unexpected = "Camera: Unexpected error in Camera::OnOpened()";
-    const std::pair<const char*, std::string> rows[] = {
-        {"A.Type=Integer", "Camera: Incomplete event configuration found"},
+    const std::string without = "Camera: Event pin \"A\" is without values. Message: The camera ";
+    const std::pair<const char*, Texts> rows[] = {
+        {"A.Type=Integer", {"Camera: Incomplete event configuration found"}},
         {"A.Type=Integer.EventName=No.ValueName=EventData",
-         "Camera: Unable to turn on event notification for \"No\""},
-        {"A.Type=Integer.EventName=End.ValueName=X.ValueName=X", unexpected},
+         {"Camera: Unable to turn on event notification for \"No\"", without + "can't send the event \"No\"."}},
+        {"A.Type=Integer.EventName=End.ValueName=No",
+         {without + "has no parameter \"No\".", "Camera: RegisterCameraEventHandler"}},
+        {"A.Type=Integer.EventName=End.ValueName=X.ValueName=X", {unexpected}},
     };
     open(notifications);
-    for (const auto& [line, message] : rows) {
+    for (const auto& [line, messages] : rows) {
         log.clear();
         output.outputs.clear();
         registerLines({line, good});
-        EXPECT_THAT(logged(), Contains(message));
+        EXPECT_THAT(logged(), testing::IsSupersetOf(messages));
         device->PushEvent(eventId, eventData);
         EXPECT_EQ(output.outputs, Texts{goodValue}) << line;
     }
