@@ -37,12 +37,13 @@ Utils::Variant toPinValue(Value value, std::size_t nameCount)
     return Utils::Variant(Utils::COWPtr<Core::Array<Value>>(std::move(values)));
 }
 
+/// A property without values is one whose reading failed; such a pin fails like one without the property.
 Utils::Variant readPin(const PinMapping& pin, const GenApi::NodeMapPtr& nodeMap)
 {
     const auto& properties = pin.properties;
     if (properties.count(PinProperty::SelectorName) != 0) {
-        const gcstring& entry = properties.at(PinProperty::SelectorValue).front();
-        Nivex::CEnumParameter(nodeMap, properties.at(PinProperty::SelectorName).front()).SetValue(entry);
+        const gcstring& entry = properties.at(PinProperty::SelectorValue).at(0);
+        Nivex::CEnumParameter(nodeMap, properties.at(PinProperty::SelectorName).at(0)).SetValue(entry);
     }
     Utils::Variant pinValue;
     const GenICam::gcstring_vector& names = properties.at(PinProperty::ValueName);

@@ -78,7 +78,8 @@ class PinMappingParser
 public:
     /// Replaces the content of `result`. Raises, for the first error, GenICam::RuntimeException; but for a
     /// ValueName that stands twice a plain std::runtime_error. The position of the error can be asked afterwards,
-    /// and `result` holds what was read before it.
+    /// and `result` holds what was read before it; the property that the error is about may stand there without
+    /// a value.
     void parse(PinMappingType mappingType, const GenICam::gcstring_vector& lines, PinMappings& result);
 
     /// The column of the last error, from 1.
