@@ -11,6 +11,8 @@ using GenICam::gcstring;
 
 namespace {
 
+constexpr const char* noDeviceProperty = "There is no device property to set. Execute Device Property Add first.";
+
 /// The selected item of a list. Raises RuntimeException that says how to get one.
 template <typename List>
 auto& requireSelected(List& list, const void* node, const char* function, const char* text)
@@ -89,8 +91,9 @@ void Camera::setDeviceSelector(unsigned long value)
         own.updateDevicesIfChanged();
         const std::size_t before = own.assignment.getSelectedDevice();
         own.assignment.selectDevice(value);
+        if (own.assignment.getSelectedDevice() == before) return;
         own.showDevices(notices);
-        notices.settingsChanged = own.assignment.getSelectedDevice() != before;
+        notices.settingsChanged = true;
     });
 }
 
@@ -152,10 +155,6 @@ unsigned long Camera::getDevicePropertySelector() const
 void Camera::setDevicePropertySelector(unsigned long value)
 {
     setDeviceProperties("setDevicePropertySelector", [value](auto& list) { list.select(value); });
-}
-
-namespace {
-constexpr const char* noDeviceProperty = "There is no device property to set. Execute Device Property Add first.";
 }
 
 gcstring Camera::getDevicePropertyKey() const

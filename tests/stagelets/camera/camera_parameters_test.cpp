@@ -140,11 +140,13 @@ TEST_F(CameraParametersTest, TellsOfChangesWithoutItsLock)
     const Utils::ScopedConnection outputsChanged(node.getOutputsChangedSignal().connect([&] { tell("outputs"); }));
     const Utils::ScopedConnection mapsChanged(node.getNodeMapsChangedSignal().connect([&] { tell("maps"); }));
     const Utils::ScopedConnection errorChanged(node.getErrorChangedSignal().connect([&] { tell("error"); }));
-    for (const char* name : {"FixCorruptImages", "SelectedDeviceModelName", "ChunkPinSelector"}) {
+    for (const char* name : {"FixCorruptImages", "SelectedDeviceModelName", "ChunkPinSelector", "DeviceSelector"})
+    {
         map(node).GetNode(name)->RegisterCallback([&tell, name](GenApi::INode*) { tell(name); });
     }
     node.setFixCorruptImages(FixCorruptImages::On);
     node.setFixCorruptImages(FixCorruptImages::On);
+    node.setDeviceSelector(node.getDeviceSelector());
     EXPECT_THAT(std::exchange(told, {}), ElementsAre("outputs", "FixCorruptImages", "settings"));
     node.executeChunkPinAdd();
     EXPECT_THAT(std::exchange(told, {}), ElementsAre("ChunkPinSelector", "settings"));
