@@ -24,27 +24,33 @@ Utils::TypeInfo deviceType()
     return Utils::TypeInfo::get<Core::IDeviceResource>();
 }
 
-enum class Outcome
-{
-    Reserved,
-    NoneSuitable,
-    NoneUnused,
-    NoDevice
-};
-
-/// One search among the cameras that the pool knows.
-Outcome tryReserve(Core::IResourcePool& pool, const Core::ResourceInfo& wanted,
-                   std::unique_ptr<Nivex::INivexDevice>& device)
+/// One search among the cameras that the pool knows. Sets `device`, or gives the reason why there is none.
+const char* tryReserve(Core::IResourcePool& pool, const Core::ResourceInfo& wanted,
+                       std::unique_ptr<Nivex::INivexDevice>& device)
 {
     const auto found = pool.query(deviceType(), wanted);
-    if (found.empty()) return Outcome::NoneSuitable;
+    if (found.empty()) return "No suitable camera found to allocate.";
     for (const auto& [info, resource] : found) {
         const auto camera = std::dynamic_pointer_cast<Core::IDeviceResource>(resource);
         if (!camera || !camera->isFree()) continue;
         device = camera->getDevice();
-        return device ? Outcome::Reserved : Outcome::NoDevice;
+        return device ? nullptr : "Could not get camera device to allocate.";
     }
-    return Outcome::NoneUnused;
+    return "No unused camera found to allocate.";
+}
+
+/// For the log: the refusals themselves don't say what was looked for.
+gcstring describe(const Nivex::CInfoBase& wanted)
+{
+    GenICam::gcstring_vector names;
+    wanted.GetPropertyNames(names);
+    gcstring text;
+    for (const gcstring& name : names) {
+        gcstring value;
+        wanted.GetPropertyValue(name, value);
+        text += (text.empty() ? "" : ", ") + name + " = \"" + value + "\"";
+    }
+    return text.empty() ? gcstring("any properties") : text;
 }
 
 }  // namespace
@@ -81,7 +87,7 @@ void DeviceAssignment::updateDevices(const Pool& pool)
                               node_);
         return;
     }
-    DeviceList devices;
+    std::vector<Core::ResourceInfo> devices;
     for (const auto& [info, resource] : pool->query(deviceType(), Core::ResourceInfo()))
         devices.push_back(info);
     std::size_t selected = devices_.index();
@@ -106,22 +112,18 @@ Core::ResourceInfo DeviceAssignment::wanted() const
 
 std::unique_ptr<Nivex::INivexDevice> DeviceAssignment::reserve(Core::IResourcePool& pool, bool mayRefresh) const
 {
-    constexpr const char* function = "allocateAdditionalResources";
+    const Core::ResourceInfo info = wanted();
     std::unique_ptr<Nivex::INivexDevice> device;
-    Outcome outcome = tryReserve(pool, wanted(), device);
-    if (outcome != Outcome::Reserved && mayRefresh) {
+    const char* failure = tryReserve(pool, info, device);
+    if (failure && mayRefresh) {
         refresh(pool);
-        outcome = tryReserve(pool, wanted(), device);
+        failure = tryReserve(pool, info, device);
     }
-    switch (outcome) {
-        case Outcome::Reserved:
-            break;
-        case Outcome::NoneSuitable:
-            CAMERA_REFUSE(RuntimeException, node_, function, "No suitable camera found to allocate.");
-        case Outcome::NoneUnused:
-            CAMERA_REFUSE(RuntimeException, node_, function, "No unused camera found to allocate.");
-        case Outcome::NoDevice:
-            CAMERA_REFUSE(RuntimeException, node_, function, "Could not get camera device to allocate.");
+    if (failure) {
+        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                              "Camera %p: A camera was wanted that has %s.", node_,
+                              describe(info.getInfo()).c_str());
+        CAMERA_REFUSE(RuntimeException, node_, "allocateAdditionalResources", failure);
     }
     return device;
 }

@@ -33,7 +33,6 @@ class DeviceAssignment
 {
 public:
     using Pool = std::shared_ptr<Nivex::DataProcessing::Core::IResourcePool>;
-    using DeviceList = std::vector<Nivex::DataProcessing::Core::ResourceInfo>;
 
     /// @param node is the address that log entries name.
     explicit DeviceAssignment(const void* node) : node_(node) {}
@@ -42,7 +41,6 @@ public:
     static void refresh(Nivex::DataProcessing::Core::IResourcePool& pool);
 
     /// @name The cameras found
-    const DeviceList& getDevices() const { return devices_.items(); }
     std::int64_t getMaxDevice() const { return devices_.maxIndex(); }
     std::size_t getSelectedDevice() const { return devices_.index(); }
     void selectDevice(std::size_t index) { devices_.select(index); }

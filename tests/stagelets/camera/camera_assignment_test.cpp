@@ -108,10 +108,10 @@ TEST_F(CameraAssignment, LooksAnewOnceBeforeItGivesUp)
         EXPECT_EQ(text, row.text ? row.text : "no exception");
         EXPECT_EQ(device != nullptr, row.text == nullptr);
         EXPECT_EQ(fake.asked, row.asked);
-        EXPECT_EQ(log.lines().size(), row.text ? 1U : 0U);
+        EXPECT_EQ(log.lines().size(), row.text ? 2U : 0U);
         if (row.text) {
             EXPECT_THAT(
-                log.lines().at(0).message,
+                log.lines().at(1).message,
                 HasSubstr(std::string("allocateAdditionalResources failed. Message: \"") + row.text + "\""));
         }
     }
@@ -119,12 +119,14 @@ TEST_F(CameraAssignment, LooksAnewOnceBeforeItGivesUp)
 
 TEST_F(CameraAssignment, AsksForCompletePropertiesOnly)
 {
-    FakePool fake({Answer::Free});
+    FakePool fake({Answer::Nothing});
     DeviceAssignment assignment(this);
     assignment.properties().assign(
-        {{"SerialNumber", "7"}, {"", "x"}, {"IpAddress", ""}, {"Odd", notYetConfigured}});
-    assignment.reserve(fake, true);
-    EXPECT_EQ(fake.lastWanted, infoOf({{"SerialNumber", "7"}}).getInfo());
+        {{"SerialNumber", "7"}, {"", "x"}, {"IpAddress", ""}, {"Odd", notYetConfigured}, {"DeviceClass", "C"}});
+    EXPECT_THROW(assignment.reserve(fake, true), GenICam::RuntimeException);
+    EXPECT_EQ(fake.lastWanted, infoOf({{"SerialNumber", "7"}, {"DeviceClass", "C"}}).getInfo());
+    EXPECT_THAT(log.lines().at(0).message,
+                HasSubstr("A camera was wanted that has DeviceClass = \"C\", SerialNumber = \"7\"."));
 }
 
 TEST_F(CameraAssignment, ListKeepsItsSelectionWhenItIsRenewed)
