@@ -3,8 +3,6 @@
 #include <algorithm>
 
 #include "camera/camera_private.h"
-#include "core/boolean.h"
-#include "core/image.h"
 #include "utils/typeregistrar.h"
 
 namespace Plugin::NivexStageletPackageBase {

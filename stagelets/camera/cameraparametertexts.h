@@ -84,12 +84,12 @@ inline constexpr std::array<EnumEntryRow<AcquisitionMode>, 2> acquisitionModes =
      "settings of the camera device."},
 }};
 
+// sic: ouptput
 inline constexpr PortTexts fixCorruptImages{
     "FixCorruptImages", "Fix Corrupt Images", "Enables the Fix Corrupt Images feature.",
-    "Enables the Fix Corrupt Images feature. Images marked as failed by the Nivex acquisition engine, e.g., "
-    "because "
-    "of image content lost in transfer, are corrected and provided at the ouptput by using a best effort "  // sic
-    "approach."};
+    "Enables the Fix Corrupt Images feature. Images marked as failed by the Nivex acquisition "
+    "engine, e.g., because of image content lost in transfer, are corrected and provided at the "
+    "ouptput by using a best effort approach."};
 inline constexpr std::array<EnumEntryRow<FixCorruptImages>, 2> fixCorruptImagesEntries = {{
     {FixCorruptImages::On, "On", "On", "The Fix Corrupt Images feature is enabled.",
      "The Fix Corrupt Images feature is enabled."},
@@ -107,8 +107,7 @@ inline constexpr PortTexts deviceSelector{
     "DeviceSelector", "Device Selector",
     "Device that will be selected when the Device Choose command is executed.",
     "Device that will be selected when the Device Choose command is executed. Using the Device Update List "
-    "command "
-    "refreshes the devices you can select."};
+    "command refreshes the devices you can select."};
 
 #define CAMERA_CHANGES_WITH_LIST                                                                             \
     "This value only changes when the Device Update List command is executed or when you change the device " \
@@ -128,12 +127,10 @@ inline constexpr PortTexts deviceUserDefinedName{"DeviceUserDefinedName", "Devic
 inline constexpr PortTexts deviceChoose{
     "DeviceChoose", "Device Choose",
     "Assigns the camera selected by the Device Selector parameter to the Camera Stagelet and updates the "
-    "properties "
-    "of the device.",
+    "properties of the device.",
     "Assigns the camera selected by the Device Selector parameter to the Camera Stagelet and updates the "
-    "properties "
-    "of the device. After selecting a camera, an exclusive connection to the camera is established when the "
-    "resources for the Camera Stagelet are allocated, e.g., when the recipe is started."};
+    "properties of the device. After selecting a camera, an exclusive connection to the camera is established "
+    "when the resources for the Camera Stagelet are allocated, e.g., when the recipe is started."};
 inline constexpr PortTexts devicePropertySelector =
     same("DevicePropertySelector", "Device Property Selector",
          "Device property whose values are displayed and can be edited.");
@@ -146,8 +143,7 @@ inline constexpr PortTexts devicePropertyValue =
 inline constexpr PortTexts devicePropertyAdd{"DevicePropertyAdd", "Device Property Add",
                                              "Adds an empty device property.",
                                              "Adds an empty device property. This can be used to specify another "
-                                             "property that a device must fulfil in order "
-                                             "to be selected."};
+                                             "property that a device must fulfil in order to be selected."};
 inline constexpr PortTexts devicePropertyRemove =
     same("DevicePropertyRemove", "Device Property Remove", "Removes the selected device property.");
 
@@ -165,8 +161,7 @@ inline constexpr PortTexts eventPinConfiguration{
     "all output pins of the Stagelet."};
 inline constexpr PortTexts eventPinAdd{"EventPinAdd", "Event Pin Add", "Adds an event output pin.",
                                        "Adds a event output pin that you can configure. The corresponding event "
-                                       "notification has to be enabled on the "
-                                       "camera."};  // sic
+                                       "notification has to be enabled on the camera."};  // sic
 inline constexpr PortTexts eventPinRemove =
     same("EventPinRemove", "Event Pin Remove", "Removes the selected event output pin.");
 
@@ -178,15 +173,13 @@ inline constexpr PortTexts chunkPinConfiguration{
     "ChunkPinConfiguration", "Chunk Pin Configuration",
     "String that maps a camera's data chunk to the Stagelet's output pin.",
     "String that maps a camera's data chunk to the Stagelet's output pin. It names the pin, the type of its "
-    "values "
-    "(Boolean, Float, Integer or String), and the chunk parameter whose value is output with each image. Example: "
-    "ExposureTime.Type=Float.ValueName=ChunkExposureTime. The pin name must be unique among all output pins of "
-    "the "
-    "Stagelet. Where the value depends on a selector, SelectorName and SelectorValue say how to set it."};
-inline constexpr PortTexts chunkPinAdd{
-    "ChunkPinAdd", "Chunk Pin Add", "Adds a chunk data output pin.",
-    "Adds a chunk data output pin that you can configure. The corresponding data chunk has to be enabled on the "
-    "camera."};
+    "values (Boolean, Float, Integer or String), and the chunk parameter whose value is output with each image. "
+    "Example: ExposureTime.Type=Float.ValueName=ChunkExposureTime. The pin name must be unique among all output "
+    "pins of the Stagelet. Where the value depends on a selector, SelectorName and SelectorValue say how to set "
+    "it."};
+inline constexpr PortTexts chunkPinAdd{"ChunkPinAdd", "Chunk Pin Add", "Adds a chunk data output pin.",
+                                       "Adds a chunk data output pin that you can configure. The corresponding "
+                                       "data chunk has to be enabled on the camera."};
 inline constexpr PortTexts chunkPinRemove =
     same("ChunkPinRemove", "Chunk Pin Remove", "Removes the selected chunk data output pin.");
 
@@ -196,9 +189,8 @@ inline constexpr PortTexts configurationSetSelector{
     "ConfigurationSetSelector", "Configuration Set Selector",
     "Sets which configuration set you want to work with.",
     "Sets which configuration set you want to work with. There is one set for each group of parameters that "
-    "belongs "
-    "to a camera: those of the camera itself, and those of the software between camera and recipe. All other "
-    "parameters of this category act on the set selected here."};
+    "belongs to a camera: those of the camera itself, and those of the software between camera and recipe. All "
+    "other parameters of this category act on the set selected here."};
 inline constexpr std::array<EnumEntryRow<StreamType>, 4> configurationSets = {{
     {StreamType::CameraDevice, "CameraDevice", "Camera",
      "The parameters of the camera device are used for any subsequent tasks.",
@@ -220,31 +212,25 @@ inline constexpr PortTexts configurationSetFetch{
     "Fetches the selected configuration set from the camera device and stores it in Configuration Set Staged. The "
     "present values of all parameters that can be saved are read. This requires that the camera is in use, i.e., "
     "that the resources of the Camera Stagelet are allocated; only the set of the Camera Instance can be fetched "
-    "at "
-    "any time. Nothing is stored in the recipe until Configuration Set Commit is executed."};
+    "at any time. Nothing is stored in the recipe until Configuration Set Commit is executed."};
 inline constexpr PortTexts configurationSetStaged{
     "ConfigurationSetStaged", "Configuration Set Staged",
     "Configuration set that will be stored in the recipe when the Configuration Set Commit command is executed.",
     "Configuration set that will be stored in the recipe when the Configuration Set Commit command is executed. "
-    "You "
-    "can edit the text: each line holds the name of a parameter, a tab and its value. Writing Name = Value works "
-    "as "
-    "well. Lines that begin with # are comments. Delete the lines of parameters that the recipe is not to "
-    "change."};
+    "You can edit the text: each line holds the name of a parameter, a tab and its value. Writing Name = Value "
+    "works as well. Lines that begin with # are comments. Delete the lines of parameters that the recipe is not "
+    "to change."};
 inline constexpr PortTexts configurationSetCommit{
     "ConfigurationSetCommit", "Configuration Set Commit",
     "Applies the configuration set and stores the settings in Configuration Set Active.",
     "Applies the configuration set and stores the settings in Configuration Set Active. If the camera is in use, "
-    "the "
-    "settings are written to it at once, and only if that succeeds are they stored. If not, they are written when "
-    "the resources of the Camera Stagelet are allocated, e.g., when the recipe is started. Save the recipe to "
-    "keep "
-    "them."};
+    "the settings are written to it at once, and only if that succeeds are they stored. If not, they are written "
+    "when the resources of the Camera Stagelet are allocated, e.g., when the recipe is started. Save the recipe "
+    "to keep them."};
 inline constexpr PortTexts configurationSetActive{
     "ConfigurationSetActive", "Configuration Set Active", "Configuration set stored in the recipe.",
     "Configuration set stored in the recipe. Its settings are written to the camera each time the resources of "
-    "the "
-    "Camera Stagelet are allocated, e.g., when the recipe is started. It is empty if the recipe leaves these "
+    "the Camera Stagelet are allocated, e.g., when the recipe is started. It is empty if the recipe leaves these "
     "parameters of the camera as they are."};
 inline constexpr PortTexts configurationSetClear{
     "ConfigurationSetClear", "Configuration Set Clear",

@@ -1,10 +1,9 @@
 #include "camera/camerapins.h"
 
-#include <algorithm>
-#include <cctype>
 #include <set>
 
 #include "camera/cameralog.h"
+#include "camera/characters.h"
 #include "core/array.h"
 #include "core/boolean.h"
 #include "core/float.h"
@@ -24,9 +23,7 @@ namespace {
 
 bool isBlank(const gcstring& line)
 {
-    const std::string_view text = line.view();
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return std::isspace(static_cast<unsigned char>(c)); });
+    return Characters::endOfRun(line.view(), 0, Characters::isSpace) == line.size();
 }
 
 template <typename T>

@@ -15,7 +15,6 @@ class SelectableList
 {
 public:
     const std::vector<Item>& items() const { return items_; }
-    bool empty() const { return items_.empty(); }
     /// The selector's greatest value.
     std::int64_t maxIndex() const { return items_.empty() ? 0 : static_cast<std::int64_t>(items_.size()) - 1; }
     std::size_t index() const { return index_; }
