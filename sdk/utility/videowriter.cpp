@@ -179,12 +179,14 @@ private:
 
     bool isOdd() const { return width_ % 2 != 0 || height_ % 2 != 0; }
 
+    /// A failure of the file is raised again each time, since nothing else gets into it.
     void raiseLate()
     {
         LateFailure late;
         {
             const std::lock_guard lock(lateLock_);
-            std::swap(late, late_);
+            late = late_;
+            if (late.cause != EVideoFailure::File) late_ = {};
         }
         if (!late.exception) return;
         lastFailure_ = late.cause;
@@ -242,6 +244,11 @@ private:
     void finishFile()
     {
         isEnded_ = true;
+        if (!file_->isInPlace()) {
+            flushed_ = 0;
+            countLosses();
+            Video::raise("finish", path_, "the file is no longer there under that name");
+        }
         try {
             file_->finish();
             flushed_ = file_->packetCount();

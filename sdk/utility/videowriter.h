@@ -15,7 +15,7 @@ enum class EVideoFailure : std::uint32_t
 {
     None = 0,
     Encoder = 1,  ///< A picture or the encoder: the file is as good as before.
-    File = 2,     ///< The file could not be made or not be written to its end; pictures may be missing in it.
+    File = 2,     ///< The file could not be made, not be written to its end, or was gone when it was closed.
     Index = 3     ///< The closed video holds all pictures, but stayed in the form that it has while it is written.
 };
 
@@ -62,7 +62,8 @@ public:
     void SetEncoders(const std::vector<GenICam::gcstring>& names);
 
     /// Raises RuntimeException if a video is open, if there is no encoder (naming those looked for), or if the
-    /// file can't be made (naming path and cause), and then leaves no file behind.
+    /// file can't be made (naming path and cause), and then leaves no file behind. A file that another video is
+    /// being written to, by this process or another, is refused and left alone.
     void Open(const GenICam::gcstring& path);
     bool IsOpen() const;
 
@@ -74,7 +75,8 @@ public:
     void Add(const IImage& image);
 
     /// Finishes the file; nothing happens if none is open. After a RuntimeException the video is closed too; its
-    /// pictures up to the failure can be played.
+    /// pictures up to the failure can be played. One that is gone from its name, removed or moved, is a failure of
+    /// the file that costs all its pictures: whether they still exist anywhere can't be told.
     void Close();
 
     /// Of the last Open, Add or Close.

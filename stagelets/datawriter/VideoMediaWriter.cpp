@@ -94,8 +94,13 @@ void VideoMediaWriter::reportLateLosses()
 void VideoMediaWriter::open(const Core::Image& image, const MediaWriterContext& context,
                             const WriterIndices& indices)
 {
-    cause_ = LossCause::FileNotWritten;
-    const std::string path = (*context.folder / fileName(context, indices)).string();
+    std::string path = (*context.folder / fileName(context, indices)).string();
+    if (path == path_) {
+        Utils::createLogEntry(Utils::SeverityFailure, videoChannel(),
+                              "DataWriterVideo %p: The video \"%s\" of this session is replaced by a later one. "
+                              "{RecordIndex} in FileName keeps each; FileScope Session makes one of all records.",
+                              static_cast<const void*>(this), path.c_str());
+    }
     cause_ = LossCause::EncoderFailed;
     lateLosses_ = 0;
     writer_.Width.SetValue(image.getWidth());
@@ -103,6 +108,7 @@ void VideoMediaWriter::open(const Core::Image& image, const MediaWriterContext& 
     writer_.PlayBackFrameRate.SetValueCorrected(context.settings->playBackSpeed);
     writer_.RecordingFrameRate.SetValueCorrected(context.settings->playBackSpeed);
     notingCause([&] { writer_.Open(path); });
+    path_ = std::move(path);
 }
 
 void VideoMediaWriter::add(const Core::Image& image)

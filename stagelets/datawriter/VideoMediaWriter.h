@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "utility/videowriter.h"
 
 #include "core/image.h"
@@ -10,7 +12,8 @@ namespace Plugin::NivexStageletPackageBase {
 /// Writes the images of all its pins, and each element of arrays of images, to one MP4 video at a time. A video is
 /// opened by the first image for which none is open and has that image's size. The file scope says when it is
 /// closed: Record, with the record; Session and DataItem, with the session. The file mode is not looked at: a
-/// video replaces a file that has its name. A name that doesn't end in ".mp4" gets that ending.
+/// video replaces a file that has its name, one of the same session not without a line in the log. A name that
+/// doesn't end in ".mp4" gets that ending.
 ///
 /// Accounts for each image: recorded with the bytes of the picture; InvalidInput for an image that is empty or
 /// holds an error; Unsupported for a pixel type that can't be converted and for any other kind of value;
@@ -48,6 +51,7 @@ private:
     Nivex::CVideoWriter writer_;
     Nivex::DataProcessing::Core::LossCause cause_{};  ///< Of the last image that was lost by a failure.
     std::uint64_t lateLosses_ = 0;                    ///< Of the present video, as far as reported.
+    std::string path_;                                ///< Of the video opened last.
     bool opened_ = false;
     bool closeAtRecordEnd_ = false;
     bool closeAtSessionEnd_ = true;

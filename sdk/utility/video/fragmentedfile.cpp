@@ -6,9 +6,17 @@ extern "C" {
 #include <libavutil/dict.h>
 }
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <filesystem>
 #include <new>
 #include <system_error>
+
+#include "utility/files/picture.h"
 
 namespace Nivex::Video {
 namespace {
@@ -24,18 +32,39 @@ void checkPath(const std::string& path)
     }
 }
 
+/// The file, made if there is none, with what it holds.
+int openWhole(const std::string& path)
+{
+    checkPath(path);
+    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+    if (descriptor < 0) raise("make", path, Files::systemText(errno));
+    return descriptor;
+}
+
 }  // namespace
 
-FragmentedFile::FragmentedFile(std::string path, const AVCodecContext& encoder)
-    : path_(std::move(path)), rate_{encoder.framerate.num, encoder.framerate.den}
+FragmentedFile::Claim::Claim(const std::string& path) : descriptor_(openWhole(path))
 {
-    checkPath(path_);
+    // File systems without locks must not keep anybody from recording.
+    if (::flock(descriptor_, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return;
+    ::close(descriptor_);
+    raise("make", path, "another video is being written to that file");
+}
+
+FragmentedFile::Claim::~Claim()
+{
+    ::close(descriptor_);
+}
+
+FragmentedFile::FragmentedFile(std::string path, const AVCodecContext& encoder)
+    : path_(std::move(path)), claim_(path_), rate_{encoder.framerate.num, encoder.framerate.den}
+{
     forgetMessage();
     AVFormatContext* format = nullptr;
     require(avformat_alloc_output_context2(&format, nullptr, "mp4", nullptr), "make", path_);
     format_.reset(format);
-    require(avio_open(&format_->pb, ("file:" + path_).c_str(), AVIO_FLAG_WRITE), "make", path_);
     try {
+        require(avio_open(&format_->pb, ("file:" + path_).c_str(), AVIO_FLAG_WRITE), "make", path_);
         begin(encoder);
     } catch (...) {
         avio_closep(&format_->pb);
@@ -91,6 +120,14 @@ void FragmentedFile::finish()
     if (format_->pb->error < 0) code = format_->pb->error;
     const int closed = avio_closep(&format_->pb);
     require(code < 0 ? code : closed, "finish", path_);
+}
+
+bool FragmentedFile::isInPlace() const
+{
+    struct stat ours = {};
+    struct stat named = {};
+    return ::fstat(claim_.descriptor(), &ours) == 0 && ::stat(path_.c_str(), &named) == 0 &&
+           ours.st_dev == named.st_dev && ours.st_ino == named.st_ino;
 }
 
 void FragmentedFile::checkFile(int code, const char* operation)

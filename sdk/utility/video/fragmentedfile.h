@@ -20,7 +20,8 @@ struct PictureRate
 class FragmentedFile
 {
 public:
-    /// Makes the file, empty of pictures, in place of one that has the name; leaves none behind if that fails.
+    /// Makes the file, empty of pictures, in place of one that has the name; leaves none behind if that fails. One
+    /// that is being written, by this process or another, is left alone and refused.
     FragmentedFile(std::string path, const AVCodecContext& encoder);
     /// Closes the file as it stands.
     ~FragmentedFile();
@@ -33,15 +34,32 @@ public:
     void flush();
     /// Ends the file and closes it. It is closed after a failure, too.
     void finish();
+    /// False if someone has removed, moved or replaced the file since it was made.
+    bool isInPlace() const;
 
     PictureRate rate() const { return rate_; }
     std::uint64_t packetCount() const { return packetCount_; }
 
 private:
+    /// A file descriptor of its own that holds the lock by which other writers know that the file is in use.
+    class Claim
+    {
+    public:
+        explicit Claim(const std::string& path);
+        ~Claim();
+        Claim(const Claim&) = delete;
+        Claim& operator=(const Claim&) = delete;
+        int descriptor() const { return descriptor_; }
+
+    private:
+        int descriptor_;
+    };
+
     void begin(const AVCodecContext& encoder);
     void checkFile(int code, const char* operation);
 
     std::string path_;
+    Claim claim_;
     std::unique_ptr<AVFormatContext, Release> format_;
     std::uint64_t packetCount_ = 0;
     PictureRate rate_;

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -385,6 +386,8 @@ TEST_F(VideoWriter, TellsOfAFullDiskAndKeepsWhatFitted)
     EXPECT_THAT(messageOf<GenICam::RuntimeException>(addMany),
                 AllOf(HasSubstr("write"), HasSubstr("File too large")));
     EXPECT_EQ(writer.GetLastFailure(), EVideoFailure::File);
+    for (int more = 0; more < 3; ++more)
+        EXPECT_THROW(writer.Add(noise(0)), GenICam::RuntimeException) << "taken, but lost";
     EXPECT_THROW(writer.Close(), GenICam::RuntimeException);
     EXPECT_EQ(writer.GetLastFailure(), EVideoFailure::File);
     EXPECT_FALSE(writer.IsOpen());
@@ -402,13 +405,53 @@ TEST_F(VideoWriter, StaysPlayableWhereItsIndexCannotBeMade)
     open(64, 48);
     for (int i = 0; i < 30; ++i)
         writer.Add(filled(EPixelType::Mono8, i));
-    const fs::path elsewhere = folder.string() + "-elsewhere";
-    fs::rename(folder, elsewhere);
-    EXPECT_THAT(messageOf<GenICam::RuntimeException>([&] { writer.Close(); }),
-                HasSubstr("No such file or directory"));
-    fs::rename(elsewhere, folder);
+    rlimit before;
+    getrlimit(RLIMIT_NOFILE, &before);
+    const int nextFree = dup(0);
+    close(nextFree);
+    const rlimit few{static_cast<rlim_t>(nextFree), before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &few);
+    const std::string text = messageOf<GenICam::RuntimeException>([&] { writer.Close(); });
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_THAT(text, HasSubstr("Too many open files"));
     EXPECT_EQ(writer.GetLastFailure(), EVideoFailure::Index);
+    EXPECT_EQ(writer.GetLateLossCount(), 0U);
     EXPECT_EQ(VideoJudge::countFrames(file), 30);
+    EXPECT_THAT(entries(), ElementsAre("a video.mp4"));
+}
+
+TEST_F(VideoWriter, IsLostWhereItsNameIsNoLongerItsOwn)
+{
+    const std::function<void()> ways[] = {[&] { fs::remove(file); },
+                                          [&] { fs::rename(file, folder / "moved.mp4"); },
+                                          [&] {
+                                              fs::remove(file);
+                                              std::ofstream(file) << "another's";
+                                          }};
+    for (const auto& takeAway : ways) {
+        open(64, 48);
+        for (int i = 0; i < 30; ++i)
+            writer.Add(filled(EPixelType::Mono8, i));
+        takeAway();
+        EXPECT_THAT(messageOf<GenICam::RuntimeException>([&] { writer.Close(); }),
+                    AllOf(HasSubstr(file.string()), HasSubstr("no longer there")));
+        EXPECT_EQ(writer.GetLastFailure(), EVideoFailure::File);
+        EXPECT_EQ(writer.GetLateLossCount(), 30U);
+    }
+    EXPECT_EQ(fs::file_size(file), 9U);
+}
+
+TEST_F(VideoWriter, IsNotWrittenToByTwo)
+{
+    open(64, 48);
+    CVideoWriter second;
+    EXPECT_THAT(messageOf<GenICam::RuntimeException>([&] { second.Open(file.string()); }),
+                AllOf(HasSubstr(file.string()), HasSubstr("another video is being written")));
+    EXPECT_EQ(second.GetLastFailure(), EVideoFailure::File);
+    writer.Add(filled(EPixelType::Mono8, 1));
+    writer.Close();
+    EXPECT_EQ(VideoJudge::countFrames(file), 1);
+    second.Open(file.string());
 }
 
 TEST(VideoWriterParameters, CorrectValuesToTheNearest)
