@@ -82,12 +82,6 @@ std::uint64_t sizeOf(const std::filesystem::path& file, const Core::Image& image
 
 }  // namespace
 
-struct ImageMediaWriter::Target
-{
-    EImageFileFormat format;
-    std::filesystem::path path;
-};
-
 void ImageMediaWriter::writeData(const Utils::Variant& value, const Utils::TypeInfo&,
                                  const MediaWriterContext& context)
 {
@@ -107,26 +101,25 @@ void ImageMediaWriter::writeImage(const Core::Image& image, const MediaWriterCon
     }
     const std::string name =
         renderName(*context.tokens, nameTemplate(settings, indices.inArray != 0), *context.time, indices);
-    const Target target{row.format, *context.folder / (name + row.extension)};
-    save(image, target);
-    ledger_.reportRecorded(1, sizeOf(target.path, image));
+    const std::filesystem::path file = *context.folder / (name + row.extension);
+    save(image, row.format, file.string());
+    ledger_.reportRecorded(1, sizeOf(file, image));
 }
 
-void ImageMediaWriter::save(const Core::Image& image, const Target& target)
+void ImageMediaWriter::save(const Core::Image& image, EImageFileFormat format, const GenICam::gcstring& path)
 {
-    const GenICam::gcstring path = target.path.string();
-    if (canSave(target.format, image.getPixelType(), image, image.getLinePadding())) {
+    const EPixelType source = image.getPixelType();
+    if (canSave(format, source, image, image.getLinePadding())) {
         const Nivex::CImagePersistenceOptions defaultQuality;
-        CImagePersistence::Save(target.format, path, image.getDataConst(), image.getImageSize(),
-                                image.getPixelType(), image.getWidth(), image.getHeight(), image.getLinePadding(),
-                                EImageOrientation::TopDown,
-                                target.format == EImageFileFormat::Jpeg ? &defaultQuality : nullptr);
+        CImagePersistence::Save(format, path, image.getDataConst(), image.getImageSize(), source, image.getWidth(),
+                                image.getHeight(), image.getLinePadding(), EImageOrientation::TopDown,
+                                format == EImageFileFormat::Jpeg ? &defaultQuality : nullptr);
         return;
     }
-    converter_.OutputPixelFormat.SetValue(conversionTarget(target.format, image));
-    converter_.Convert(converted_, image.getDataConst(), image.getImageSize(), image.getPixelType(),
-                       image.getWidth(), image.getHeight(), image.getLinePadding(), EImageOrientation::TopDown);
-    CImagePersistence::Save(target.format, path, converted_, nullptr);
+    converter_.OutputPixelFormat.SetValue(conversionTarget(format, image));
+    converter_.Convert(converted_, image.getDataConst(), image.getImageSize(), source, image.getWidth(),
+                       image.getHeight(), image.getLinePadding(), EImageOrientation::TopDown);
+    CImagePersistence::Save(format, path, converted_, nullptr);
 }
 
 }  // namespace Plugin::NivexStageletPackageBase

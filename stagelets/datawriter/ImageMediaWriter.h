@@ -28,12 +28,10 @@ public:
     void endSession(const MediaWriterContext&) override { converted_.Release(); }
 
 private:
-    /// What is known of an image before it is saved.
-    struct Target;
-
     void writeImage(const Nivex::DataProcessing::Core::Image& image, const MediaWriterContext& context,
                     const WriterIndices& indices);
-    void save(const Nivex::DataProcessing::Core::Image& image, const Target& target);
+    void save(const Nivex::DataProcessing::Core::Image& image, Nivex::EImageFileFormat format,
+              const GenICam::gcstring& path);
 
     IWriterLedger& ledger_;
     Nivex::CNivexImage converted_;  ///< Kept from image to image, so that its memory is used again.

@@ -8,7 +8,8 @@ namespace Plugin::NivexStageletPackageBase {
 
 /// Calls `write(image, indices)` for the image that a value is, or for each one of the array that it is, with the
 /// array's fields set in the indices. Any other value, and an array in error, is reported to the ledger instead;
-/// so is an image that is absent or carries an error, and passed over.
+/// so is an image that is absent or carries an error, and passed over. What `write` raises ends the walk; the
+/// caller accounts for that image, and those behind it are reported as not written.
 template <typename Write>
 void forEachImage(const Nivex::DataProcessing::Utils::Variant& value, const MediaWriterContext& context,
                   IWriterLedger& ledger, const Write& write)
@@ -28,8 +29,14 @@ void forEachImage(const Nivex::DataProcessing::Utils::Variant& value, const Medi
     WriterIndices indices = *context.indices;
     indices.arraySize = images->getSize();
     indices.inArray = 1;
-    for (indices.arrayIndex = 0; indices.arrayIndex < indices.arraySize; ++indices.arrayIndex)
-        writeUsable(images->at(indices.arrayIndex), indices);
+    try {
+        for (indices.arrayIndex = 0; indices.arrayIndex < indices.arraySize; ++indices.arrayIndex)
+            writeUsable(images->at(indices.arrayIndex), indices);
+    } catch (...) {
+        while (++indices.arrayIndex < indices.arraySize)
+            ledger.reportLoss(Core::LossCause::FileNotWritten);
+        throw;
+    }
 }
 
 }  // namespace Plugin::NivexStageletPackageBase

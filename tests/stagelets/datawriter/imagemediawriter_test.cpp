@@ -201,12 +201,15 @@ TEST_F(ImageFiles, AreCountedWhenTheyDoNotComeAbout)
     EXPECT_EQ(host.records, 0u);
 }
 
-TEST_F(ImageFiles, AreWrittenBesidesThoseOfAnArrayThatCannotBe)
+// An image in error is passed over; one that can't be converted ends the array, and those behind it count, too.
+TEST_F(ImageFiles, OfAnArrayAreAllAccountedFor)
 {
-    const std::vector<Core::Image> pictures = {Core::Image(error("no image")), image(EPixelType::Mono8)};
+    const Core::Image good = image(EPixelType::Mono8);
+    const std::vector<Core::Image> pictures = {Core::Image(error("no image")), good,
+                                               image(static_cast<EPixelType>(0x8108FFF0)), good, good};
     writeOne("PNG", onPin1(Core::Array<Core::Image>(pictures)));
     EXPECT_EQ(folder.entries(), (std::set<std::string>{"Image_Record1_Data1_1.png"}));
-    EXPECT_EQ(host.lost, (std::map<LossCause, int>{{LossCause::InvalidInput, 1}}));
+    EXPECT_EQ(host.lost, (std::map<LossCause, int>{{LossCause::InvalidInput, 1}, {LossCause::FileNotWritten, 3}}));
     EXPECT_EQ(host.files, 1u);
 }
 
