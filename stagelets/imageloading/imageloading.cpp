@@ -1,5 +1,6 @@
 #include "imageloading/imageloading.h"
 
+#include <exception>
 #include <filesystem>
 #include <system_error>
 
@@ -172,38 +173,44 @@ void ImageLoading::loadSettings(const std::shared_ptr<Core::ISettings>& settings
 {
     if (!settings) GENICAM_THROW(InvalidArgumentException, "ptrSettings is a nullptr");
     bool changed = false;
+    std::exception_ptr failure;
     {
         const Guard guard(*getLock());
         if (getState() != Core::NodeState::Stopped) {
             GENICAM_THROW(RuntimeException, "Node must be in stopped state to deserialize.");
         }
-        struct Loading
-        {
-            bool& flag;
-            explicit Loading(bool& loading) : flag(loading) { flag = true; }
-            ~Loading() { flag = false; }
-        };
-        const Loading loading(private_->loading);
         const Settings before = private_->settings;
-        private_->settings.sourcePath.clear();
-        Utils::createLogEntry(Utils::SeverityDetail, channel(), "ImageLoading: Load settings...");
-        loadSourcePath(*settings);
-        if (settings->hasKey(sortByKey)) {
-            const std::uint64_t value = settings->getUnsigned(sortByKey);
-            if (value > static_cast<std::uint64_t>(SortBy::Random)) {
-                GENICAM_THROW(InvalidArgumentException, "sortBy: %llu is none of 0 to 2.",
-                              static_cast<unsigned long long>(value));
-            }
-            setSortBy(static_cast<SortBy>(value));
+        private_->loading = true;
+        try {
+            readSettings(*settings);
+        } catch (...) {
+            failure = std::current_exception();  // What was read by then has changed all the same.
         }
-        if (settings->hasKey(numberOfImagesKey)) setNumberOfImages(settings->getUnsigned(numberOfImagesKey));
-        if (settings->hasKey(framesPerSecondKey)) setFramesPerSecond(settings->getUnsigned(framesPerSecondKey));
-        if (settings->hasKey(numberOfRunsKey)) setNumberOfRuns(settings->getUnsigned(numberOfRunsKey));
-        if (settings->hasKey(runContinuouslyKey)) setRunContinuously(settings->getBool(runContinuouslyKey));
+        private_->loading = false;
         changed = private_->settings != before;
         if (changed) notifyParameters();
     }
     if (changed) notifySettingsChanged();
+    if (failure) std::rethrow_exception(failure);
+}
+
+void ImageLoading::readSettings(const Core::ISettings& settings)
+{
+    private_->settings.sourcePath.clear();
+    Utils::createLogEntry(Utils::SeverityDetail, channel(), "ImageLoading: Load settings...");
+    loadSourcePath(settings);
+    if (settings.hasKey(sortByKey)) {
+        const std::uint64_t value = settings.getUnsigned(sortByKey);
+        if (value > static_cast<std::uint64_t>(SortBy::Random)) {
+            GENICAM_THROW(InvalidArgumentException, "sortBy: %llu is none of 0 to 2.",
+                          static_cast<unsigned long long>(value));
+        }
+        setSortBy(static_cast<SortBy>(value));
+    }
+    if (settings.hasKey(numberOfImagesKey)) setNumberOfImages(settings.getUnsigned(numberOfImagesKey));
+    if (settings.hasKey(framesPerSecondKey)) setFramesPerSecond(settings.getUnsigned(framesPerSecondKey));
+    if (settings.hasKey(numberOfRunsKey)) setNumberOfRuns(settings.getUnsigned(numberOfRunsKey));
+    if (settings.hasKey(runContinuouslyKey)) setRunContinuously(settings.getBool(runContinuouslyKey));
 }
 
 void ImageLoading::loadSourcePath(const Core::ISettings& settings)

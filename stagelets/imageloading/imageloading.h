@@ -33,7 +33,8 @@ protected:
 
 public:
     /// Takes over the values that the store holds; other keys leave theirs alone, but for the source path, which
-    /// is emptied. With a location, relative paths count from there, and the working directory of the process is
+    /// is emptied. Observers are told once, at the end; a value that is refused ends it, and those before it stay.
+    /// With a location, relative paths count from there, and the working directory of the process is
     /// moved there. Raises RuntimeException unless stopped, InvalidArgumentException for null,
     /// std::filesystem::filesystem_error if the location is no directory.
     void loadSettings(const std::shared_ptr<Nivex::DataProcessing::Core::ISettings>& settings) override;
@@ -80,6 +81,7 @@ private:
     template <typename Field>
     void writeSetting(Field Settings::*field, const Field& value, const char* function);
     void requirePositive(unsigned long value, const char* name, const char* function) const;
+    void readSettings(const Nivex::DataProcessing::Core::ISettings& settings);
     void loadSourcePath(const Nivex::DataProcessing::Core::ISettings& settings);
     GenICam::gcstring pathToStore(const Nivex::DataProcessing::Core::ISettings& settings) const;
 

@@ -416,8 +416,13 @@ TEST_F(ImageLoadingTest, LoadsWhatTheStoreHolds)
     store->values["sortBy"] = std::uint64_t{3};
     EXPECT_THROW(node.loadSettings(store), GenICam::InvalidArgumentException);
     store->values.erase("sortBy");
+    store->values["numberOfImages"] = std::uint64_t{3};
     store->values["framesPerSecond"] = std::uint64_t{0};
+    int changes = 0;
+    node.getSettingsChangedSignal().connect([&] { ++changes; });
     EXPECT_THROW(node.loadSettings(store), GenICam::RuntimeException);
+    EXPECT_EQ(node.getNumberOfImages(), 3U) << "what was read before";
+    EXPECT_EQ(changes, 1);
     store->location = folder / "missing";
     EXPECT_THROW(node.loadSettings(store), std::filesystem::filesystem_error);
     EXPECT_EQ(refusalOf<GenICam::InvalidArgumentException>([&] { node.loadSettings(nullptr); }),
