@@ -14,7 +14,6 @@ namespace GenApi {
 
 namespace {
 
-constexpr Word<EEndianess> endianesses[] = {{"LittleEndian", LittleEndian}, {"BigEndian", BigEndian}};
 constexpr EEndianess hostEndianess = std::endian::native == std::endian::little ? LittleEndian : BigEndian;
 
 }  // namespace
@@ -58,9 +57,7 @@ double CFloatRegNode::MaxFloat()
 
 bool CFloatRegNode::TakeElement(ElementReader& element)
 {
-    if (!element.IsOneOf({"Endianess", "Endianness"})) return CRegisterOf::TakeElement(element);
-    endianess_ = element.WordOf(endianesses, endianess_);
-    return true;
+    return element.TakeEndianess(endianess_) || CRegisterOf::TakeElement(element);
 }
 
 void CFloatRegNode::Finish(ElementReader& own)

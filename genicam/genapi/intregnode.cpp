@@ -13,7 +13,6 @@ namespace GenApi {
 namespace {
 
 constexpr Word<ESign> signs[] = {{"Signed", Signed}, {"Unsigned", Unsigned}};
-constexpr Word<EEndianess> endianesses[] = {{"LittleEndian", LittleEndian}, {"BigEndian", BigEndian}};
 
 uint64_t maskOf(unsigned width)
 {
@@ -89,12 +88,8 @@ int64_t CIntRegNode::MaxInteger()
 
 bool CIntRegNode::TakeElement(ElementReader& element)
 {
-    if (element.Is("Sign")) sign_ = element.WordOf(signs, sign_);
-    // The schema's spelling; the other is met in the field.
-    else if (element.IsOneOf({"Endianess", "Endianness"}))
-        endianess_ = element.WordOf(endianesses, endianess_);
-    else
-        return CRegisterOf::TakeElement(element);
+    if (!element.Is("Sign")) return element.TakeEndianess(endianess_) || CRegisterOf::TakeElement(element);
+    sign_ = element.WordOf(signs, sign_);
     return true;
 }
 

@@ -73,6 +73,7 @@ constexpr NodeKind structEntryKind = {"StructEntry", intfIInteger};
 constexpr std::string_view structKind = "StructReg";
 
 constexpr Word<EAccessMode> accessModes[] = {{"RO", RO}, {"WO", WO}, {"RW", RW}, {"R", RO}, {"W", WO}};
+constexpr Word<EEndianess> endianesses[] = {{"LittleEndian", LittleEndian}, {"BigEndian", BigEndian}};
 constexpr Word<bool> yesNo[] = {{"Yes", true}, {"No", false}, {"true", true}, {"false", false}};
 
 struct DependencyRow
@@ -183,6 +184,14 @@ bool ElementReader::Boolean() const
 EAccessMode ElementReader::AccessMode(EAccessMode ifEmpty) const
 {
     return WordOf(accessModes, ifEmpty);
+}
+
+bool ElementReader::TakeEndianess(EEndianess& endianess) const
+{
+    // The schema's spelling; the other is met in the field.
+    if (!IsOneOf({"Endianess", "Endianness"})) return false;
+    endianess = WordOf(endianesses, endianess);
+    return true;
 }
 
 NumberRef ElementReader::NumberOf(std::string_view name, Link link) const

@@ -59,6 +59,8 @@ public:
     bool YesNo() const;
     bool Boolean() const;
     EAccessMode AccessMode(EAccessMode ifEmpty) const;
+    /// Keeps the byte order if this is the element that tells it, else false.
+    bool TakeEndianess(EEndianess& endianess) const;
 
     /// The value of the word; `otherwise` for an empty or unknown one.
     template <typename Value, std::size_t N>

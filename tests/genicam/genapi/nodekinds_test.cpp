@@ -18,73 +18,54 @@ constexpr int64_t lowest = std::numeric_limits<int64_t>::min();
 constexpr int64_t highest = std::numeric_limits<int64_t>::max();
 const std::string rw = "<AccessMode>RW</AccessMode>";
 
-struct IntegerCase
-{
-    const char* kind;
-    int length;
-    const char* elements;
-    std::vector<int> bytes;
-    int64_t value, min, max;
-};
-
-void PrintTo(const IntegerCase& c, std::ostream* stream)
-{
-    *stream << c.kind << " of " << c.length << " " << c.elements;
-}
-
 const std::string be = "<Endianess>BigEndian</Endianess>";
 
-class IntegerRegisters : public testing::TestWithParam<IntegerCase>
-{};
-
-TEST_P(IntegerRegisters, ReadAndWriteTheirBits)
+TEST(IntegerRegisters, ReadAndWriteTheirBits)
 {
-    const IntegerCase& c = GetParam();
-    World world(Reg(c.kind, "R", 16, c.length, rw + c.elements));
-    std::copy(c.bytes.begin(), c.bytes.end(), world.device.bytes.begin() + 16);
-    IInteger& node = world.Integer("R");
-    EXPECT_EQ(node.GetValue(), c.value);
-    EXPECT_EQ(node.GetMin(), c.min);
-    EXPECT_EQ(node.GetMax(), c.max);
-    // Flipped through another value and back, the bytes around the field must stand as they stood.
-    node.SetValue(c.max);
-    EXPECT_EQ(node.GetValue(false, true), c.max);
-    node.SetValue(c.value, false);
-    EXPECT_EQ(world.device.Bytes(16, c.length), c.bytes);
-    EXPECT_EQ(world.device.Bytes(16 + c.length, 1), std::vector<int>{0});
-    if (c.max < highest)
-        ExpectFailure<OutOfRangeException>([&] { node.SetValue(c.max + 1, false); }, "does not fit");
+    const struct
+    {
+        const char* kind;
+        int length;
+        std::string elements;
+        std::vector<int> bytes;
+        int64_t value, min, max;
+    } cases[] = {{"IntReg", 1, "<Sign/><Endianess/>", {0xF0}, 0xF0, 0, 255},
+                 {"IntReg", 1, "<Sign>Signed</Sign>", {0xF0}, -16, -128, 127},
+                 {"IntReg", 2, be, {1, 2}, 0x102, 0, 65535},
+                 {"IntReg", 3, "<Sign>Signed</Sign>", {1, 2, 0x83}, 0x830201 - 0x1000000, -0x800000, 0x7FFFFF},
+                 {"IntReg", 8, "<Sign>Signed</Sign>", {1, 0, 0, 0, 0, 0, 0, 0x80}, lowest + 1, lowest, highest},
+                 {"IntReg", 8, "<Sign>Unsigned</Sign>", {0xFE, 255, 255, 255, 255, 255, 255, 255}, -2, 0, highest},
+                 {"MaskedIntReg", 4, "<LSB>8</LSB><MSB>19</MSB>", {0x78, 0x56, 0x34, 0x12}, 0x456, 0, 0xFFF},
+                 {"MaskedIntReg", 4, "<LSB>19</LSB><MSB>8</MSB>", {0x78, 0x56, 0x34, 0x12}, 0x456, 0, 0xFFF},
+                 {"MaskedIntReg", 4, "<LSB>15</LSB><MSB>8</MSB>" + be, {0x12, 0x34, 0x56, 0x78}, 0x34, 0, 255},
+                 {"MaskedIntReg", 2, "<Bit>0</Bit>" + be, {0x80, 0x01}, 1, 0, 1},
+                 {"MaskedIntReg", 2, "<Bit>9</Bit>", {0xFF, 0xFD}, 0, 0, 1},
+                 {"MaskedIntReg", 2, "<LSB>4</LSB><MSB>7</MSB><Sign>Signed</Sign>", {0xA5, 0x5A}, -6, -8, 7},
+                 {"MaskedIntReg",
+                  8,
+                  "<LSB>0</LSB><MSB>63</MSB><Sign>Signed</Sign>",
+                  {1, 0, 0, 0, 0, 0, 0, 0x80},
+                  lowest + 1,
+                  lowest,
+                  highest}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.kind + std::to_string(c.length) + c.elements);
+        World world(Reg(c.kind, "R", 16, c.length, rw + c.elements));
+        std::copy(c.bytes.begin(), c.bytes.end(), world.device.bytes.begin() + 16);
+        IInteger& node = world.Integer("R");
+        EXPECT_EQ(node.GetValue(), c.value);
+        EXPECT_EQ(node.GetMin(), c.min);
+        EXPECT_EQ(node.GetMax(), c.max);
+        // Flipped through another value and back, the bytes around the field must stand as they stood.
+        node.SetValue(c.max);
+        EXPECT_EQ(node.GetValue(false, true), c.max);
+        node.SetValue(c.value, false);
+        EXPECT_EQ(world.device.Bytes(16, c.length), c.bytes);
+        EXPECT_EQ(world.device.Bytes(16 + c.length, 1), std::vector<int>{0});
+        if (c.max < highest)
+            ExpectFailure<OutOfRangeException>([&] { node.SetValue(c.max + 1, false); }, "does not fit");
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, IntegerRegisters,
-    testing::Values(
-        IntegerCase{"IntReg", 1, "<Sign/><Endianess/>", {0xF0}, 0xF0, 0, 255},
-        IntegerCase{"IntReg", 1, "<Sign>Signed</Sign>", {0xF0}, -16, -128, 127},
-        IntegerCase{"IntReg", 2, "<Endianess>BigEndian</Endianess>", {1, 2}, 0x102, 0, 65535},
-        IntegerCase{"IntReg", 3, "<Sign>Signed</Sign>", {1, 2, 0x83}, 0x830201 - 0x1000000, -0x800000, 0x7FFFFF},
-        IntegerCase{"IntReg", 8, "<Sign>Signed</Sign>", {1, 0, 0, 0, 0, 0, 0, 0x80}, lowest + 1, lowest, highest},
-        IntegerCase{
-            "IntReg", 8, "<Sign>Unsigned</Sign>", {0xFE, 255, 255, 255, 255, 255, 255, 255}, -2, 0, highest},
-        IntegerCase{"MaskedIntReg", 4, "<LSB>8</LSB><MSB>19</MSB>", {0x78, 0x56, 0x34, 0x12}, 0x456, 0, 0xFFF},
-        IntegerCase{"MaskedIntReg", 4, "<LSB>19</LSB><MSB>8</MSB>", {0x78, 0x56, 0x34, 0x12}, 0x456, 0, 0xFFF},
-        IntegerCase{"MaskedIntReg",
-                    4,
-                    "<LSB>15</LSB><MSB>8</MSB><Endianess>BigEndian</Endianess>",
-                    {0x12, 0x34, 0x56, 0x78},
-                    0x34,
-                    0,
-                    255},
-        IntegerCase{"MaskedIntReg", 2, "<Bit>0</Bit><Endianess>BigEndian</Endianess>", {0x80, 0x01}, 1, 0, 1},
-        IntegerCase{"MaskedIntReg", 2, "<Bit>9</Bit>", {0xFF, 0xFD}, 0, 0, 1},
-        IntegerCase{"MaskedIntReg", 2, "<LSB>4</LSB><MSB>7</MSB><Sign>Signed</Sign>", {0xA5, 0x5A}, -6, -8, 7},
-        IntegerCase{"MaskedIntReg",
-                    8,
-                    "<LSB>0</LSB><MSB>63</MSB><Sign>Signed</Sign>",
-                    {1, 0, 0, 0, 0, 0, 0, 0x80},
-                    lowest + 1,
-                    lowest,
-                    highest}));
 
 TEST(MaskedIntReg, KeepsTheOtherBitsOfAWriteOnlyRegisterFromEarlierWrites)
 {
