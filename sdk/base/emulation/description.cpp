@@ -32,11 +32,6 @@ std::string element(const char* name, const std::string& content)
     return content.empty() ? "" : formatText("  <%s>%s</%s>\n", name, content.c_str(), name);
 }
 
-std::string optional(const char* name, const char* content)
-{
-    return content ? element(name, content) : "";
-}
-
 std::string node(const char* kind, const std::string& name, const std::string& body, bool standard = true)
 {
     return formatText("<%s Name=\"%s\" NameSpace=\"%s\">\n%s</%s>\n", kind, name.c_str(),
@@ -133,8 +128,7 @@ std::string featureNode(const Placed& place)
 {
     const Feature& feature = *place.feature;
     std::string body = element("ToolTip", feature.toolTip) + element("Visibility", levelName(feature.level)) +
-                       optional("pIsAvailable", feature.available) +
-                       optional("pIsLocked", feature.locked ? "TLParamsLocked" : nullptr) +
+                       element("pIsLocked", feature.locked ? "TLParamsLocked" : "") +
                        element("Streamable", isStreamable(place) ? "Yes" : "") + entriesOf(feature) +
                        element("pValue", registerName(feature)) + limitsOf(feature) +
                        element("Unit", feature.unit) +

@@ -55,10 +55,9 @@ struct Feature
     std::span<const Choice> choices = {};
     const char* text = "";  ///< Initial content of a Text.
     const char* unit = "";
-    const char* selector = nullptr;   ///< One register for each entry of that enumeration.
-    const char* maxNode = nullptr;    ///< Tells the maximum in place of `max`, which the register keeps.
-    const char* available = nullptr;  ///< A node that tells whether it can be used.
-    const char* xml = "";             ///< Of a Node.
+    const char* selector = nullptr;  ///< One register for each entry of that enumeration.
+    const char* maxNode = nullptr;   ///< Tells the maximum in place of `max`, which the register keeps.
+    const char* xml = "";            ///< Of a Node.
     bool readOnly = false;
     bool isVolatile =
         false;            ///< The camera changes it by itself: never cached. Read-only ones and commands are so.

@@ -25,8 +25,6 @@ struct ChromaFormat
 constexpr ChromaFormat chromaFormats[] = {
     {0x0210001F, ELuma::Second},  // YUV422_8_UYVY
     {0x02100032, ELuma::First},   // YUV422_8
-    {0x0210003B, ELuma::First},   // YCbCr422_8
-    {0x02100043, ELuma::Second},  // YCbCr422_8_CbYCrY
 };
 
 const ChromaFormat* findChroma(const PixelFormat& format)

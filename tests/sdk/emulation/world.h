@@ -6,7 +6,6 @@
 
 #include <condition_variable>
 #include <cstring>
-#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
@@ -18,9 +17,12 @@
 #include "base/emulation/emulatedbackend.h"
 #include "utility/pixelformats.h"
 
+#include "genicam/genapi/world.h"
+
 namespace EmulationTest {
 
 using namespace Nivex;
+using GenApiTest::ExpectFailure;
 
 constexpr std::chrono::seconds patience{60};
 
@@ -128,18 +130,6 @@ inline std::int64_t Number(const GenApi::NodeMapPtr& map, const std::string& nam
 {
     auto* const node = dynamic_cast<GenApi::IInteger*>(map->GetNode(name));
     return node ? node->GetValue() : -1;
-}
-
-/// Runs `body` and expects an exception whose text holds `text`.
-template <typename Exception>
-void ExpectFailure(const std::function<void()>& body, const std::string& text)
-{
-    try {
-        body();
-        ADD_FAILURE() << "nothing was thrown; expected \"" << text << '"';
-    } catch (const Exception& e) {
-        EXPECT_THAT(e.GetDescription(), testing::HasSubstr(text));
-    }
 }
 
 using Settings = std::vector<std::pair<std::string, std::string>>;
