@@ -11,21 +11,6 @@ using GenICam::RuntimeException;
 
 namespace {
 
-std::string Escaped(const std::string& formula)
-{
-    std::string text;
-    for (const char character : formula) {
-        if (character == '<') {
-            text += "&lt;";
-        } else if (character == '&') {
-            text += "&amp;";
-        } else {
-            text += character;
-        }
-    }
-    return text;
-}
-
 // Variables that the formulas of these tests may use.
 const std::string variables = R"(<pVariable Name="A">Seven</pVariable><pVariable Name="Half">Half</pVariable>
     <pVariable Name="Big">Big</pVariable><pVariable Name="Zero">Zero</pVariable>
@@ -49,7 +34,7 @@ const std::string nodes =
 
 std::string Knife(const std::string& kind, const std::string& name, const std::string& formula)
 {
-    return Node(kind, name, variables + "<Formula>" + Escaped(formula) + "</Formula>");
+    return Node(kind, name, variables + "<Formula><![CDATA[" + formula + "]]></Formula>");
 }
 
 struct Row

@@ -1,6 +1,6 @@
 // A description with every kind of node, read by our runtime and by an independent one over the same bytes.
 #include <fstream>
-#include <sstream>
+#include <iterator>
 
 #include "genicam/aravisjudge.h"
 #include "genicam/genapi/world.h"
@@ -13,9 +13,7 @@ namespace {
 std::string EveryKind()
 {
     std::ifstream file(STAGELET_SOURCE_DIR "/tests/genicam/genapi/everykind.xml");
-    std::stringstream text;
-    text << file.rdbuf();
-    return text.str();
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 void FillDevice(ByteDevice& device)

@@ -350,9 +350,15 @@ TEST_F(EnumerationNode, IsSetByNameAndByNumber)
 
 TEST_F(EnumerationNode, LooksPastTheCacheWhileItClearsItself)
 {
+    int calls = 0;
+    world.map->GetNode("Mode")->RegisterCallback([&](INode*) { ++calls; });
     mode.FromString("Once", false);
+    world.map->Poll(100);
+    EXPECT_EQ(calls, 2) << "the write and the poll";
     world.device.Put(0, {0});
     EXPECT_EQ(mode.ToString(), "Off");  // R is cached with 2
+    world.map->Poll(100);
+    EXPECT_EQ(calls, 2) << "no more polls";
     world.device.Put(0, {2});
     EXPECT_EQ(mode.ToString(), "Off");
 }
