@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
-#include <unistd.h>
 
 #include <cstdlib>
 
@@ -25,13 +24,6 @@ namespace {
 class DngFiles : public FolderTest
 {
 protected:
-    void SetUp() override
-    {
-        for (const char* program : {"/usr/bin/dcraw_emu", "/usr/bin/raw-identify", "/usr/bin/tiffinfo"}) {
-            if (::access(program, X_OK) != 0) GTEST_SKIP() << program << " is not installed";
-        }
-    }
-
     void save(const IImage& picture) const
     {
         CImagePersistence::Save(EImageFileFormat::Dng, path.c_str(), picture);
@@ -171,16 +163,12 @@ TEST_F(DngFiles, SayWhatTheyHold)
         EXPECT_THAT(text, testing::Not(testing::ContainsRegex("[Ww]arning|[Ee]rror")));
         const auto identified = runCommand("/usr/bin/raw-identify " + path);
         EXPECT_THAT(std::string(identified.begin(), identified.end()), HasSubstr("is a Stagelet Camera image"));
+        // Bayer samples are no picture yet, and nobody is shown a mosaic in its place.
+        if (!IsBayer(pixelType)) continue;
+        EXPECT_THAT([&] { CNivexImage().Load(path.c_str()); },
+                    ThrowsMessage<GenICam::RuntimeException>(
+                        testing::AllOf(HasSubstr(path), HasSubstr("colour filter pattern"))));
     }
-}
-
-// Bayer samples are no picture yet, and nobody is shown a mosaic in their place.
-TEST_F(DngFiles, OfBayerAreNotLoaded)
-{
-    save(makePicture(BayerRG8, 64, 48));
-    EXPECT_THAT([&] { CNivexImage().Load(path.c_str()); },
-                ThrowsMessage<GenICam::RuntimeException>(
-                    testing::AllOf(HasSubstr(path), HasSubstr("colour filter pattern"))));
 }
 
 TEST_F(DngFiles, TakeNoGreyAndEndAtFourGigabytes)

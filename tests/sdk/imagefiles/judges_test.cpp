@@ -2,11 +2,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
-#include <tuple>
 
 #include "gcbase/exception.h"
 
@@ -56,24 +54,12 @@ int largestDifference(const std::vector<std::uint8_t>& a, const std::vector<std:
 }
 
 class Judges : public FolderTest
-{
-protected:
-    /// Skips the test loudly where a program is missing.
-    static void need(const std::string& program)
-    {
-        if (::access(program.c_str(), X_OK) != 0) GTEST_SKIP() << program << " is not installed";
-    }
-};
-
-#define NEED(PROGRAM) \
-    need(PROGRAM);    \
-    if (IsSkipped()) return
+{};
 
 }  // namespace
 
 TEST_F(Judges, ImageMagickReadsOurFiles)
 {
-    NEED(magick);
     const std::pair<EImageFileFormat, EPixelType> cases[] = {
         {Bmp, Mono8},      {Bmp, BGR8Packed},  {Bmp, BGRA8Packed},  {Tiff, Mono8},
         {Tiff, Mono16},    {Tiff, RGB8Packed}, {Png, Mono8},        {Png, Mono16},
@@ -92,8 +78,6 @@ TEST_F(Judges, ImageMagickReadsOurFiles)
 
 TEST_F(Judges, StrictCheckersFindNoFault)
 {
-    NEED("/usr/bin/pngcheck");
-    NEED("/usr/bin/tiffinfo");
     for (const EPixelType pixelType : {Mono8, Mono16, RGB8Packed, RGB16Packed}) {
         const CNivexImage picture = makePicture(pixelType, 301, 203);
         CImagePersistence::Save(Png, inFolder("p.png").c_str(), picture);
@@ -106,7 +90,6 @@ TEST_F(Judges, StrictCheckersFindNoFault)
 // The JPEG group's program and we decode the same pixels.
 TEST_F(Judges, DjpegAgrees)
 {
-    NEED("/usr/bin/djpeg");
     for (const EPixelType pixelType : {Mono8, RGB8Packed, BGR8Packed}) {
         CImagePersistence::Save(Jpeg, inFolder("p.jpg").c_str(), makePicture(pixelType, 37, 21));
         CNivexImage loaded;
@@ -121,13 +104,13 @@ TEST_F(Judges, DjpegAgrees)
 // Files of every kind that ImageMagick makes are read as it reads them itself.
 TEST_F(Judges, WeReadImageMagicksFiles)
 {
-    NEED(magick);
     struct Case
     {
         const char* options;
         const char* file;
         EPixelType pixelType;
         int tolerance = 0;
+        const char* refusal = nullptr;  ///< What we don't decode is not shown in wrong colours.
     };
     const Case cases[] = {
         {"-colors 16 -type Palette", "png8:p.png", RGB8Packed},
@@ -165,6 +148,8 @@ TEST_F(Judges, WeReadImageMagicksFiles)
         {"-interlace JPEG -quality 90", "a.jpg", RGB8Packed},
         {"-quality 90 -sampling-factor 1x1", "b.jpg", RGB8Packed},
         {"-colorspace Gray -interlace JPEG", "c.jpg", Mono8},
+        {"-colorspace CMYK", "d.jpg", Undefined, 0, "colour space"},
+        {"-colors 30 -type Palette -compress RLE", "BMP3:i.bmp", Undefined, 0, "run-length"},
     };
     const std::string source = inFolder("source.tiff");
     CImagePersistence::Save(Tiff, source.c_str(), makePicture(RGB16Packed, 37, 21));
@@ -176,6 +161,11 @@ TEST_F(Judges, WeReadImageMagicksFiles)
         const std::string path = inFolder(name.substr(kind.size()));
         runCommand(magick + " " + source + " " + c.options + " " + kind + path);
         CNivexImage loaded;
+        if (c.refusal) {
+            EXPECT_THAT([&] { loaded.Load(path.c_str()); },
+                        testing::ThrowsMessage<GenICam::RuntimeException>(testing::HasSubstr(c.refusal)));
+            continue;
+        }
         ASSERT_NO_THROW(loaded.Load(path.c_str()));
         EXPECT_STREQ(GetPixelTypeName(loaded.GetPixelType()), GetPixelTypeName(c.pixelType));
         ASSERT_EQ(loaded.GetWidth(), 37U);
@@ -184,30 +174,9 @@ TEST_F(Judges, WeReadImageMagicksFiles)
     }
 }
 
-// What we don't decode is refused by name, and not shown in wrong colours.
-TEST_F(Judges, OtherKindsAreRefusedByName)
-{
-    NEED(magick);
-    const std::tuple<const char*, const char*, const char*> cases[] = {
-        {"-colorspace CMYK", "a.jpg", "colour space"},
-        {"-colors 30 -type Palette -compress RLE", "BMP3:b.bmp", "run-length"},
-    };
-    CImagePersistence::Save(Tiff, inFolder("source.tiff").c_str(), makePicture(RGB8Packed, 37, 21));
-    for (const auto& [options, file, cause] : cases) {
-        const std::string name = file;
-        const std::string path = inFolder(name.substr(name.find(':') + 1));
-        runCommand(magick + " " + inFolder("source.tiff") + " " + options + " " +
-                   name.substr(0, name.find(':') + 1) + path);
-        const auto load = [&path] { CNivexImage().Load(path.c_str()); };
-        EXPECT_THAT(load, testing::ThrowsMessage<GenICam::RuntimeException>(testing::HasSubstr(cause)));
-    }
-}
-
 // Pictures stored lying or mirrored are turned as their files say.
 TEST_F(Judges, TiffOrientationsAreTurned)
 {
-    NEED(magick);
-    NEED("/usr/bin/tiffset");
     const std::string path = inFolder("p.tiff");
     for (const EPixelType pixelType : {Mono8, RGB16Packed}) {
         for (int orientation = 1; orientation <= 8; ++orientation) {

@@ -40,6 +40,12 @@ protected:
     }
 };
 
+struct PathCase
+{
+    std::string path;
+    const char* cause;
+};
+
 /// The bytes give a whole picture or a failure of the family and an empty image; nothing is printed.
 void expectWholeOrRefused(const Bytes& bytes, const Bytes* wholeRows = nullptr)
 {
@@ -171,7 +177,7 @@ TEST_F(Refusals, OnlyImageFilesAreRead)
     ASSERT_EQ(::mkfifo(inFolder("pipe.png").c_str(), 0600), 0);
     writeFile(folder / "empty.bmp", {});
     writeFile(folder / "text.png", {'h', 'e', 'l', 'l', 'o'});
-    const std::pair<std::string, const char*> cases[] = {
+    const PathCase cases[] = {
         {inFolder("missing.png"), "No such file"},
         {folder.string(), "is a directory"},
         {inFolder("pipe.png"), "no regular file"},
@@ -181,12 +187,9 @@ TEST_F(Refusals, OnlyImageFilesAreRead)
         {inFolder("empty.bmp/x"), "Not a directory"},
     };
     for (const auto& row : cases) {
-        // Clang 14 takes no structured binding into a lambda.
-        const std::string& path = row.first;
-        const char* cause = row.second;
         CNivexImage image = makePicture(Mono8, 2, 2);
-        EXPECT_THAT([&] { image.Load(path.c_str()); },
-                    ThrowsMessage<GenICam::RuntimeException>(AllOf(HasSubstr(path), HasSubstr(cause))));
+        EXPECT_THAT([&] { image.Load(row.path.c_str()); },
+                    ThrowsMessage<GenICam::RuntimeException>(AllOf(HasSubstr(row.path), HasSubstr(row.cause))));
         EXPECT_TRUE(image.IsValid());
     }
     CNivexImage image;
@@ -227,7 +230,7 @@ TEST_F(Refusals, PlacesThatTakeNoFile)
 {
     const CNivexImage picture = makePicture(Mono8, 5, 3);
     std::filesystem::create_directory(folder / "sub");
-    const std::pair<std::string, const char*> cases[] = {
+    const PathCase cases[] = {
         {inFolder("none/p.bmp"), "No such file"},
         {inFolder("sub"), "is a directory"},
         {"/dev/full", "no regular file"},
@@ -235,11 +238,8 @@ TEST_F(Refusals, PlacesThatTakeNoFile)
         {"", "path is empty"},
     };
     for (const auto& row : cases) {
-        // Clang 14 takes no structured binding into a lambda.
-        const std::string& path = row.first;
-        const char* cause = row.second;
-        EXPECT_THAT([&] { CImagePersistence::Save(Bmp, path.c_str(), picture); },
-                    ThrowsMessage<GenICam::RuntimeException>(AllOf(HasSubstr(path), HasSubstr(cause))));
+        EXPECT_THAT([&] { CImagePersistence::Save(Bmp, row.path.c_str(), picture); },
+                    ThrowsMessage<GenICam::RuntimeException>(AllOf(HasSubstr(row.path), HasSubstr(row.cause))));
     }
     EXPECT_EQ(countFiles(), 1U);
     CImagePersistence::Save(Bmp, inFolder(std::string(250, 'y')).c_str(), picture);

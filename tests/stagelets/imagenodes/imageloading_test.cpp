@@ -25,12 +25,6 @@ protected:
     }
     void TearDown() override { node.stop(); }
 
-    static Core::NodeArgumentCollection mode(Utils::Variant value)
-    {
-        Core::NodeArgumentCollection arguments;
-        arguments.setArgument("AcquisitionMode", std::move(value));
-        return arguments;
-    }
     /// "name/run" of each update, with "!" behind an image that holds an error.
     static std::vector<std::string> sequence(const std::vector<Core::PinValues>& updates)
     {
@@ -42,6 +36,18 @@ protected:
                             (update.at("Image").getValue<Core::Image>().hasError() ? "!" : ""));
         }
         return texts;
+    }
+    /// Starts the node on a host of its own and gives what comes until the worker has ended by itself.
+    std::vector<std::string> play(const Core::NodeArgumentCollection& arguments)
+    {
+        FakeHost ownHost;
+        node.attachHost(&ownHost);
+        node.start(arguments);
+        const auto updates = ownHost.waitForEndOfThread();
+        EXPECT_EQ(node.getState(), Core::NodeState::Started);
+        node.stop();
+        node.attachHost(&host);
+        return sequence(updates);
     }
     GenApi::CNodeMapRef map() { return node.getNodeMap("@Stagelet"); }
     std::string logged(const std::string& text) const
@@ -66,46 +72,46 @@ TEST_F(ImageLoadingTest, PutsOutRunsInOrder)
         SortBy sortBy;
         unsigned long images;
         unsigned long runs;
-        Utils::Variant argument;
         Sequence expected;
     };
     const Row rows[] = {
-        {"all images twice", SortBy::Ascending, 1000, 2, {}, {"a/1", "b/1", "c/1", "a/2", "b/2", "c/2"}},
-        {"part of the images", SortBy::Descending, 2, 2, {}, {"c/1", "b/1", "c/2", "b/2"}},
-        {"one frame", SortBy::Ascending, 1000, 3, Utils::Variant(Core::String("SingleFrame")), {"a/1"}},
-        {"another mode", SortBy::Ascending, 2, 1, Utils::Variant(Core::String("singleframe")), {"a/1", "b/1"}},
+        {"all images twice", SortBy::Ascending, 1000, 2, {"a/1", "b/1", "c/1", "a/2", "b/2", "c/2"}},
+        {"part of the images", SortBy::Descending, 2, 2, {"c/1", "b/1", "c/2", "b/2"}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        FakeHost ownHost;
-        node.attachHost(&ownHost);
         node.setSettings(folder.string(), row.sortBy, row.images, 500, row.runs, false, true);
-        node.start(row.argument.isValid() ? mode(row.argument) : Core::NodeArgumentCollection());
-        EXPECT_EQ(sequence(ownHost.waitForEndOfThread()), row.expected);
-        EXPECT_EQ(node.getState(), Core::NodeState::Started);
-        node.stop();
-        node.attachHost(&host);
+        EXPECT_EQ(play({}), row.expected);
     }
     EXPECT_TRUE(log.messages(channel).empty());
 }
 
-TEST_F(ImageLoadingTest, IgnoresAModeThatIsNoString)
+TEST_F(ImageLoadingTest, TakesTheAcquisitionModeSingleFrame)
 {
     folder.addImages({"a.png", "b.png"});
+    node.setNumberOfRuns(2);
+    const Sequence all{"a/1", "b/1", "a/2", "b/2"};
+    const Sequence ignored{
+        logged("Argument \"AcquisitionMode\" is not of type \"String\" or invalid and is "
+               "therefore ignored.")};
     const auto error = std::make_shared<Core::DeviceError>("none", Utils::DateTime::now());
-    for (const Utils::Variant& value :
-         {Utils::Variant(Core::Integer(1)), Utils::Variant(), Utils::Variant(Core::String(error))})
+    struct Row
+    {
+        Utils::Variant value;
+        Sequence expected;
+        Sequence log;
+    };
+    for (const Row& row :
+         {Row{Utils::Variant(Core::String("SingleFrame")), {"a/1"}, {}},
+          Row{Utils::Variant(Core::String("singleframe")), all, {}},
+          Row{Utils::Variant(Core::Integer(1)), all, ignored}, Row{Utils::Variant(), all, ignored},
+          Row{Utils::Variant(Core::String(error)), all, ignored}})
     {
         log.clear();
-        FakeHost ownHost;
-        node.attachHost(&ownHost);
-        node.start(mode(value));
-        EXPECT_EQ(sequence(ownHost.waitForEndOfThread()), (Sequence{"a/1", "b/1"}));
-        EXPECT_EQ(log.messages(channel),
-                  Sequence{logged("Argument \"AcquisitionMode\" is not of type \"String\" or invalid and is "
-                                  "therefore ignored.")});
-        node.stop();
-        node.attachHost(&host);
+        Core::NodeArgumentCollection arguments;
+        arguments.setArgument("AcquisitionMode", row.value);
+        EXPECT_EQ(play(arguments), row.expected);
+        EXPECT_EQ(log.messages(channel), row.log);
     }
 }
 
@@ -198,7 +204,7 @@ TEST_F(ImageLoadingTest, ReachesSinksOutsideAGraph)
     };
     const auto sink = std::make_shared<Sink>();
     node.attachOutputSink("ImagePath", sink);
-    node.start(mode(Utils::Variant(Core::String("SingleFrame"))));
+    node.start({});
     EXPECT_EQ(sink->path.get_future().get(), folder / "a.png");
 }
 
