@@ -29,7 +29,7 @@ struct Reg
     const char* length = "8";
     const char* visibility = "Expert";
 
-    operator std::string() const  // NOLINT: reads as text in the tables
+    explicit operator std::string() const
     {
         std::string text =
             "    <KIND Name=\"NAME\">\n"
@@ -48,11 +48,20 @@ struct Reg
             text = std::regex_replace(text, std::regex(field), value);
         return text;
     }
+
+    friend std::string operator+(const std::string& text, const Reg& next) { return text + std::string(next); }
 };
 
 constexpr const char* noSign = "        <Endianess>LittleEndian</Endianess>\n";
+constexpr const char* isSigned = "        <Sign>Signed</Sign>\n        <Endianess>LittleEndian</Endianess>\n";
+constexpr const char* invalidated =
+    "        <pInvalidator>I</pInvalidator>\n        <Sign>Unsigned</Sign>\n"
+    "        <Endianess>LittleEndian</Endianess>\n";
+constexpr PortFlags readOnly{.writable = false};
+constexpr PortFlags companions{.availableRegister = true, .lockedRegister = true};
 
-const char* const gainText = R"(    <Integer Name="Gain">
+const std::string gainText =
+    std::string(R"(    <Integer Name="Gain">
         <ToolTip>Tip</ToolTip>
         <Description>Text</Description>
         <DisplayName>Gain</DisplayName>
@@ -75,37 +84,10 @@ const char* const gainText = R"(    <Integer Name="Gain">
         <Sign>Signed</Sign>
         <Endianess>LittleEndian</Endianess>
     </IntReg>
-    <IntReg Name="GainMax">
-        <Visibility>Beginner</Visibility>
-        <Address>0x108</Address>
-        <Length>8</Length>
-        <AccessMode>RO</AccessMode>
-        <pPort>Device</pPort>
-        <Cachable>NoCache</Cachable>
-        <Sign>Signed</Sign>
-        <Endianess>LittleEndian</Endianess>
-    </IntReg>
-    <IntReg Name="GainMin">
-        <Visibility>Beginner</Visibility>
-        <Address>0x110</Address>
-        <Length>8</Length>
-        <AccessMode>RO</AccessMode>
-        <pPort>Device</pPort>
-        <Cachable>NoCache</Cachable>
-        <Sign>Signed</Sign>
-        <Endianess>LittleEndian</Endianess>
-    </IntReg>
-    <IntReg Name="GainInc">
-        <Visibility>Beginner</Visibility>
-        <Address>0x118</Address>
-        <Length>8</Length>
-        <AccessMode>RO</AccessMode>
-        <pPort>Device</pPort>
-        <Cachable>NoCache</Cachable>
-        <Sign>Signed</Sign>
-        <Endianess>LittleEndian</Endianess>
-    </IntReg>
-)";
+)") +
+    Reg{.name = "GainMax", .address = "0x108", .tail = isSigned, .visibility = "Beginner"} +
+    Reg{.name = "GainMin", .address = "0x110", .tail = isSigned, .visibility = "Beginner"} +
+    Reg{.name = "GainInc", .address = "0x118", .tail = isSigned, .visibility = "Beginner"};
 
 struct KindRow
 {
@@ -139,19 +121,19 @@ const KindRow integerRow{
         <pSelected>A</pSelected>
     </Integer>
 )") +
-        std::string(Reg{.name = "P_CountValue",
-                        .address = "0x100",
-                        .mode = "RW",
-                        .port = "P_CountPort",
-                        .tail = "        <pInvalidator>I1</pInvalidator>\n"
-                                "        <pInvalidator>I2</pInvalidator>\n"
-                                "        <Sign>Unsigned</Sign>\n"
-                                "        <Endianess>LittleEndian</Endianess>\n"}) +
-        std::string(Reg{.name = "P_CountMax", .address = "0x108", .port = "P_CountPort"}) +
-        std::string(Reg{.name = "P_CountMin", .address = "0x110", .port = "P_CountPort"}) +
-        std::string(Reg{.name = "P_CountInc", .address = "0x118", .port = "P_CountPort"}) +
-        std::string(Reg{.name = "P_CountIsAvailable", .address = "0x120", .port = "P_CountPort"}) +
-        std::string(Reg{.name = "P_CountIsLocked", .address = "0x128", .port = "P_CountPort"}) +
+        Reg{.name = "P_CountValue",
+            .address = "0x100",
+            .mode = "RW",
+            .port = "P_CountPort",
+            .tail = "        <pInvalidator>I1</pInvalidator>\n"
+                    "        <pInvalidator>I2</pInvalidator>\n"
+                    "        <Sign>Unsigned</Sign>\n"
+                    "        <Endianess>LittleEndian</Endianess>\n"} +
+        Reg{.name = "P_CountMax", .address = "0x108", .port = "P_CountPort"} +
+        Reg{.name = "P_CountMin", .address = "0x110", .port = "P_CountPort"} +
+        Reg{.name = "P_CountInc", .address = "0x118", .port = "P_CountPort"} +
+        Reg{.name = "P_CountIsAvailable", .address = "0x120", .port = "P_CountPort"} +
+        Reg{.name = "P_CountIsLocked", .address = "0x128", .port = "P_CountPort"} +
         R"(    <Port Name = "P_CountPort">
         <ToolTip>Port node giving access to Count parameter.</ToolTip>
     </Port>
@@ -168,7 +150,7 @@ const KindRow integerRow{
 
 const KindRow floatRow{
     "float, read-only, with linked conditions",
-    [](FakeNode& node) { return std::make_shared<CFloatNodeMapPort>(node.makeFactor({.writable = false}), -2); },
+    [](FakeNode& node) { return std::make_shared<CFloatNodeMapPort>(node.makeFactor(readOnly), -2); },
     std::string(R"(    <Float Name="Factor" MergePriority="-1">
         <Visibility>Expert</Visibility>
         <pIsAvailable>A1</pIsAvailable>
@@ -182,13 +164,13 @@ const KindRow floatRow{
         <Representation>PureNumber</Representation>
     </Float>
 )") +
-        std::string(Reg{.kind = "FloatReg",
-                        .name = "FactorValue",
-                        .address = "0x100",
-                        .tail = "        <pInvalidator>I</pInvalidator>\n"
-                                "        <Endianess>LittleEndian</Endianess>\n"}) +
-        std::string(Reg{.kind = "FloatReg", .name = "FactorMax", .address = "0x108", .tail = noSign}) +
-        std::string(Reg{.kind = "FloatReg", .name = "FactorMin", .address = "0x110", .tail = noSign}),
+        Reg{.kind = "FloatReg",
+            .name = "FactorValue",
+            .address = "0x100",
+            .tail = "        <pInvalidator>I</pInvalidator>\n"
+                    "        <Endianess>LittleEndian</Endianess>\n"} +
+        Reg{.kind = "FloatReg", .name = "FactorMax", .address = "0x108", .tail = noSign} +
+        Reg{.kind = "FloatReg", .name = "FactorMin", .address = "0x110", .tail = noSign},
     48,
     false,
     "",
@@ -200,10 +182,7 @@ const KindRow floatRow{
 
 const KindRow floatCompanionsRow{
     "float with companions",
-    [](FakeNode& node) {
-        return std::make_shared<CFloatNodeMapPort>(
-            node.makeFactor({.availableRegister = true, .lockedRegister = true}), 0);
-    },
+    [](FakeNode& node) { return std::make_shared<CFloatNodeMapPort>(node.makeFactor(companions), 0); },
     std::string(R"(    <Float Name="Factor">
         <Visibility>Expert</Visibility>
         <pIsAvailable>FactorIsAvailable</pIsAvailable>
@@ -215,80 +194,61 @@ const KindRow floatCompanionsRow{
         <Unit>s</Unit>
         <Representation>PureNumber</Representation>
     </Float>
-)") +
-        std::string(
-            Reg{.kind = "FloatReg", .name = "FactorValue", .address = "0x100", .mode = "RW", .tail = noSign}) +
-        std::string(Reg{.kind = "FloatReg", .name = "FactorMax", .address = "0x108", .tail = noSign}) +
-        std::string(Reg{.kind = "FloatReg", .name = "FactorMin", .address = "0x110", .tail = noSign}) +
-        std::string(Reg{.name = "FactorIsAvailable", .address = "0x118"}) +
-        std::string(Reg{.name = "FactorIsLocked", .address = "0x120"}),
+)") + Reg{.kind = "FloatReg", .name = "FactorValue", .address = "0x100", .mode = "RW", .tail = noSign} +
+        Reg{.kind = "FloatReg", .name = "FactorMax", .address = "0x108", .tail = noSign} +
+        Reg{.kind = "FloatReg", .name = "FactorMin", .address = "0x110", .tail = noSign} +
+        Reg{.name = "FactorIsAvailable", .address = "0x118"} + Reg{.name = "FactorIsLocked", .address = "0x120"},
     48};
 
-const KindRow booleanRow{"boolean without invalidators",
-                         [](FakeNode& node) {
-                             return std::make_shared<CBooleanNodeMapPort>(
-                                 node.makeFlag({.availableRegister = true, .lockedRegister = true}), 0);
-                         },
-                         std::string(R"(    <Boolean Name="Flag">
+const KindRow booleanRow{
+    "boolean without invalidators",
+    [](FakeNode& node) { return std::make_shared<CBooleanNodeMapPort>(node.makeFlag(companions), 0); },
+    std::string(R"(    <Boolean Name="Flag">
         <Visibility>Expert</Visibility>
         <pIsAvailable>P_FlagIsAvailable</pIsAvailable>
         <pIsLocked>P_FlagIsLocked</pIsLocked>
         <Streamable>Yes</Streamable>
         <pValue>P_FlagValue</pValue>
     </Boolean>
-)") + std::string(Reg{.name = "P_FlagValue", .address = "0x100", .mode = "RW"}) +
-                             std::string(Reg{.name = "P_FlagIsAvailable", .address = "0x108"}) +
-                             std::string(Reg{.name = "P_FlagIsLocked", .address = "0x110"}),
-                         24,
-                         false,
-                         "P_",
-                         {{"Invalidator", "NotWritten"}}};
+)") + Reg{.name = "P_FlagValue", .address = "0x100", .mode = "RW"} +
+        Reg{.name = "P_FlagIsAvailable", .address = "0x108"} + Reg{.name = "P_FlagIsLocked", .address = "0x110"},
+    24,
+    false,
+    "P_",
+    {{"Invalidator", "NotWritten"}}};
 
-const KindRow commandRow{"command, never read-only",
-                         [](FakeNode& node) {
-                             return std::make_shared<CCommandNodeMapPort>(node.makeGo(false, {.writable = false}),
-                                                                          0);
-                         },
-                         std::string(R"(    <Command Name="Go">
+const KindRow commandRow{
+    "command, never read-only",
+    [](FakeNode& node) { return std::make_shared<CCommandNodeMapPort>(node.makeGo(false, readOnly), 0); },
+    std::string(R"(    <Command Name="Go">
         <Visibility>Expert</Visibility>
         <pValue>GoValue</pValue>
         <CommandValue>1</CommandValue>
     </Command>
-)") + std::string(Reg{.name = "GoValue",
-                      .address = "0x100",
-                      .mode = "RW",
-                      .tail = "        <pInvalidator>I</pInvalidator>\n"
-                              "        <Sign>Unsigned</Sign>\n"
-                              "        <Endianess>LittleEndian</Endianess>\n"}),
-                         24,
-                         false,
-                         "",
-                         {{"Invalidator", "I"}}};
+)") + Reg{.name = "GoValue", .address = "0x100", .mode = "RW", .tail = invalidated},
+    24,
+    false,
+    "",
+    {{"Invalidator", "I"}}};
 
-const KindRow writeOnlyCommandRow{"write-only command with companions",
-                                  [](FakeNode& node) {
-                                      return std::make_shared<CCommandNodeMapPort>(
-                                          node.makeGo(true, {.availableRegister = true, .lockedRegister = true}),
-                                          0);
-                                  },
-                                  std::string(R"(    <Command Name="Go">
+const KindRow writeOnlyCommandRow{
+    "write-only command with companions",
+    [](FakeNode& node) { return std::make_shared<CCommandNodeMapPort>(node.makeGo(true, companions), 0); },
+    std::string(R"(    <Command Name="Go">
         <Visibility>Expert</Visibility>
         <pIsAvailable>GoIsAvailable</pIsAvailable>
         <pIsLocked>GoIsLocked</pIsLocked>
         <pValue>GoValue</pValue>
         <CommandValue>1</CommandValue>
     </Command>
-)") + std::string(Reg{.name = "GoValue", .address = "0x100", .mode = "WO"}) +
-                                      std::string(Reg{.name = "GoIsAvailable", .address = "0x108"}) +
-                                      std::string(Reg{.name = "GoIsLocked", .address = "0x110"}),
-                                  24};
+)") + Reg{.name = "GoValue", .address = "0x100", .mode = "WO"} +
+        Reg{.name = "GoIsAvailable", .address = "0x108"} + Reg{.name = "GoIsLocked", .address = "0x110"},
+    24};
 
-const KindRow stringRow{"string with companions behind the text",
-                        [](FakeNode& node) {
-                            return std::make_shared<CStringNodeMapPort>(
-                                node.makeText({.availableRegister = true, .lockedRegister = true}, 10000), 0);
-                        },
-                        std::string(R"(    <String Name="Text">
+const KindRow stringRow{
+    "string with companions behind the text",
+    [](FakeNode& node) { return std::make_shared<CStringNodeMapPort>(node.makeText(companions, 10000), 0); },
+    std::string(R"(    <String Name="Text">
         <Visibility>Expert</Visibility>
         <pIsAvailable>TextIsAvailable</pIsAvailable>
         <pIsLocked>TextIsLocked</pIsLocked>
@@ -296,18 +256,17 @@ const KindRow stringRow{"string with companions behind the text",
         <pValue>TextValue</pValue>
     </String>
 )") +
-                            std::string(Reg{.kind = "StringReg",
-                                            .name = "TextValue",
-                                            .address = "0x100",
-                                            .mode = "RW",
-                                            .tail = "        <pInvalidator>I</pInvalidator>\n",
-                                            .length = "10000"}) +
-                            std::string(Reg{.name = "TextIsAvailable", .address = "0x2810"}) +
-                            std::string(Reg{.name = "TextIsLocked", .address = "0x2818"}),
-                        10016,
-                        false,
-                        "",
-                        {{"Invalidator", "I"}}};
+        Reg{.kind = "StringReg",
+            .name = "TextValue",
+            .address = "0x100",
+            .mode = "RW",
+            .tail = "        <pInvalidator>I</pInvalidator>\n",
+            .length = "10000"} +
+        Reg{.name = "TextIsAvailable", .address = "0x2810"} + Reg{.name = "TextIsLocked", .address = "0x2818"},
+    10016,
+    false,
+    "",
+    {{"Invalidator", "I"}}};
 
 const KindRow categoryRow{"category",
                           [](FakeNode&) {
@@ -361,7 +320,7 @@ TEST(DescriptionText, OfEachKind)
 TEST(DescriptionText, OfAnEnumerationAndItsEntries)
 {
     FakeNode node;
-    CEnumNodeMapPort mode(node.makeMode({.availableRegister = true, .lockedRegister = true}), 0);
+    CEnumNodeMapPort mode(node.makeMode(companions), 0);
     mode.addLink("Selected", "S");
     const auto plain = std::make_shared<CEnumEntryNodeMapPort>(
         std::make_shared<EnumEntryParameterPort<int>>(-3, PortTexts{"A", "Name", "Tip", "Text"}), -1);
@@ -377,29 +336,31 @@ TEST(DescriptionText, OfAnEnumerationAndItsEntries)
     std::ostringstream stream;
     std::int64_t address = 0x130;
     mode.writeDescription(stream, false, "Device", "P_", address);
-    EXPECT_EQ(stream.str(), std::string("    <Enumeration Name=\"Mode\">\n"
-                                        "        <Visibility>Expert</Visibility>\n"
-                                        "        <pIsAvailable>P_ModeIsAvailable</pIsAvailable>\n"
-                                        "        <pIsLocked>P_ModeIsLocked</pIsLocked>\n"
-                                        "        <Streamable>Yes</Streamable>\n"
-                                        "        <EnumEntry Name=\"A\" MergePriority=\"-1\" > \n"
-                                        "            <ToolTip>Tip</ToolTip>\n"
-                                        "            <Description>Text</Description>\n"
-                                        "            <DisplayName>Name</DisplayName>\n"
-                                        "            <pIsAvailable>T1</pIsAvailable>\n"
-                                        "            <pIsAvailable>T2</pIsAvailable>\n"
-                                        "            <Value>-3</Value>\n"
-                                        "        </EnumEntry>\n"
-                                        "        <EnumEntry Name=\"B\" > \n"
-                                        "            <pIsAvailable>EnumEntry_Mode_P_BIsAvailable</pIsAvailable>\n"
-                                        "            <Value>4294967295</Value>\n"
-                                        "        </EnumEntry>\n"
-                                        "        <pValue>P_ModeIntValue</pValue>\n"
-                                        "        <pSelected>S</pSelected>\n"
-                                        "    </Enumeration>\n") +
-                                std::string(Reg{.name = "P_ModeIntValue", .address = "0x130", .mode = "RW"}) +
-                                std::string(Reg{.name = "P_ModeIsAvailable", .address = "0x138"}) +
-                                std::string(Reg{.name = "P_ModeIsLocked", .address = "0x140"}));
+    const std::string expected = std::string(
+                                     "    <Enumeration Name=\"Mode\">\n"
+                                     "        <Visibility>Expert</Visibility>\n"
+                                     "        <pIsAvailable>P_ModeIsAvailable</pIsAvailable>\n"
+                                     "        <pIsLocked>P_ModeIsLocked</pIsLocked>\n"
+                                     "        <Streamable>Yes</Streamable>\n"
+                                     "        <EnumEntry Name=\"A\" MergePriority=\"-1\" > \n"
+                                     "            <ToolTip>Tip</ToolTip>\n"
+                                     "            <Description>Text</Description>\n"
+                                     "            <DisplayName>Name</DisplayName>\n"
+                                     "            <pIsAvailable>T1</pIsAvailable>\n"
+                                     "            <pIsAvailable>T2</pIsAvailable>\n"
+                                     "            <Value>-3</Value>\n"
+                                     "        </EnumEntry>\n"
+                                     "        <EnumEntry Name=\"B\" > \n"
+                                     "            <pIsAvailable>EnumEntry_Mode_P_BIsAvailable</pIsAvailable>\n"
+                                     "            <Value>4294967295</Value>\n"
+                                     "        </EnumEntry>\n"
+                                     "        <pValue>P_ModeIntValue</pValue>\n"
+                                     "        <pSelected>S</pSelected>\n"
+                                     "    </Enumeration>\n") +
+                                 Reg{.name = "P_ModeIntValue", .address = "0x130", .mode = "RW"} +
+                                 Reg{.name = "P_ModeIsAvailable", .address = "0x138"} +
+                                 Reg{.name = "P_ModeIsLocked", .address = "0x140"};
+    EXPECT_EQ(stream.str(), expected);
     EXPECT_EQ(address, 0x130 + 24);
 
     std::ostringstream entries;
@@ -419,10 +380,10 @@ TEST(DescriptionText, OfAnEnumerationAndItsEntries)
 /// Fills an adapter whose keys are, in order: EnumEntry_Mode_B, Factor, Gain, Mode, Root, Text.
 void addParameters(CAnythingToNodeMapAdapterBase& adapter, FakeNode& node)
 {
-    adapter.addParameter(node.makeText());
+    adapter.addParameter(node.makeText(), 1);
     adapter.addParameter(node.makeGain());
     adapter.addParameter(node.makeMode());
-    adapter.addEnumEntry("Mode", FakeNode::makeEntry("A", Mode::A));
+    adapter.addEnumEntry("Mode", FakeNode::makeEntry("A", Mode::A), -1);
     adapter.addEnumEntry("Mode", FakeNode::makeEntry("B", Mode::B, {.availableRegister = true}));
     adapter.addParameter(node.makeFactor());
     adapter.addParameter(std::make_shared<CategoryParameterPort>("Root", "", "", "", "Expert"));
@@ -473,6 +434,8 @@ TEST(DescriptionText, OfAWholeDocumentWithASharedPort)
                                         "FactorMin 0x18", "GainValue 0x38", "GainMax 0x40", "GainMin 0x48",
                                         "GainInc 0x50", "ModeIntValue 0x68", "TextValue 0x80"}));
     EXPECT_EQ(findAll(text.str(), "<Port Name = \"(\\w+)\"").size(), 1U);
+    EXPECT_EQ(findAll(text.str(), "(\\w+)\" MergePriority=\"(.1)\""),
+              (std::vector<std::string>{"A -1", "Text +1"}));
 }
 
 TEST(DescriptionText, OfAWholeDocumentWithAPortForEachParameter)
