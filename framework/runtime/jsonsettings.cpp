@@ -49,16 +49,22 @@ bool isContainer(const JsonValue& value)
     return value.as<JsonArray>() || value.as<JsonObject>();
 }
 
-std::string appendPath(std::string text, const SettingsPath& path)
+std::string elementText(const SettingsPath::Element& element)
 {
-    for (const auto& element : path.getElements()) {
-        if (const auto* name = std::get_if<gcstring>(&element)) {
-            if (!text.empty()) text += '.';
-            text += name->str();
-        } else {
-            text += "[" + std::to_string(std::get<std::size_t>(element)) + "]";
-        }
-    }
+    if (const auto* name = std::get_if<gcstring>(&element)) return name->str();
+    return "[" + std::to_string(std::get<std::size_t>(element)) + "]";
+}
+
+std::string joinPath(const std::string& path, const std::string& element)
+{
+    return path.empty() || element.starts_with('[') ? path + element : path + "." + element;
+}
+
+std::string describePath(const SettingsPath& path)
+{
+    std::string text;
+    for (const auto& element : path.getElements())
+        text = joinPath(text, elementText(element));
     return text;
 }
 
@@ -67,14 +73,14 @@ std::string appendPath(std::string text, const SettingsPath& path)
 JsonSettings::JsonSettings() : JsonSettings(std::make_shared<JsonValue>(JsonObject())) {}
 
 JsonSettings::JsonSettings(std::shared_ptr<JsonValue> tree, gcstring location)
-    : JsonSettings(std::move(tree), std::make_shared<File>(File{std::move(location), {}}), {})
+    : JsonSettings(std::move(tree), std::make_shared<File>(File{std::move(location), {}, {}}), {})
 {
     if (!tree_ || !tree_->as<JsonObject>()) {
         GENICAM_THROW(InvalidArgumentException, "A settings store needs an object.");
     }
 }
 
-JsonSettings::JsonSettings(std::shared_ptr<JsonValue> tree, std::shared_ptr<File> file, std::string prefix)
+JsonSettings::JsonSettings(std::shared_ptr<JsonValue> tree, std::shared_ptr<File> file, SettingsPath prefix)
     : tree_(std::move(tree)), file_(std::move(file)), prefix_(std::move(prefix))
 {}
 
@@ -87,41 +93,101 @@ std::string JsonSettings::toText() const
 
 std::optional<TextPosition> JsonSettings::getRefusalPosition() const
 {
-    return file_->refusal;
+    if (!file_->refusal) return std::nullopt;
+    return file_->refusal->position;
+}
+
+bool JsonSettings::replaceRefused(const JsonSettings& instead)
+{
+    if (!file_->refusal) return false;
+    const Refusal refusal = *file_->refusal;
+    const ValuePtr found = instead.find(refusal.path).first;
+    if (!found) return false;
+    try {
+        JsonValue& value = make(refusal.path);
+        value.data = found->data;
+        value.position = refusal.position;
+        return true;
+    } catch (const GenICam::RuntimeException&) {
+        return false;
+    }
+}
+
+void JsonSettings::addUnread(const JsonValue& value, const std::string& path, std::vector<Unread>& unread) const
+{
+    const auto entry = file_->asked.find(path);
+    const std::set<std::string> asked = entry == file_->asked.end() ? std::set<std::string>() : entry->second;
+    const auto* object = value.as<JsonObject>();
+    std::vector<std::string> missed;
+    for (const std::string& name : asked) {
+        if (object && !object->find(name)) missed.push_back(name);
+    }
+    const auto visit = [&](const std::string& name, const JsonValue& child, TextPosition position) {
+        const std::string childPath = joinPath(path, name);
+        const bool isUsed = asked.count(name) != 0 && (isContainer(child) || file_->asked.count(childPath) == 0);
+        if (isUsed) return addUnread(child, childPath, unread);
+        unread.push_back({position, childPath, name, missed});
+    };
+    if (object) {
+        for (const JsonMember& member : object->members)
+            visit(member.name, *member.value, member.namePosition);
+    } else if (const auto* list = value.as<JsonArray>()) {
+        for (std::size_t i = 0; i < list->items.size(); ++i)
+            visit(elementText(i), *list->items[i], list->items[i]->position);
+    }
+}
+
+std::vector<JsonSettings::Unread> JsonSettings::listUnread() const
+{
+    std::vector<Unread> unread;
+    addUnread(*tree_, pathText({}), unread);
+    return unread;
+}
+
+SettingsPath JsonSettings::fullPath(const SettingsPath& path) const
+{
+    SettingsPath full = prefix_;
+    for (const auto& element : path.getElements())
+        std::visit([&full](const auto& part) { full.addElement(part); }, element);
+    return full;
 }
 
 std::string JsonSettings::pathText(const SettingsPath& path) const
 {
-    return appendPath(prefix_, path);
+    return describePath(fullPath(path));
+}
+
+std::pair<ValuePtr, ValuePtr> JsonSettings::find(const SettingsPath& path) const
+{
+    ValuePtr value = tree_;
+    std::string text = describePath(prefix_);
+    for (const auto& element : path.getElements()) {
+        const std::string name = elementText(element);
+        file_->asked[text].insert(name);
+        text = joinPath(text, name);
+        ValuePtr child = findChild(*value, element);
+        if (!child) return {nullptr, value};
+        value = std::move(child);
+    }
+    return {value, nullptr};
 }
 
 bool JsonSettings::hasKey(const SettingsPath& path) const
 {
-    ValuePtr value = tree_;
-    for (const auto& element : path.getElements()) {
-        value = findChild(*value, element);
-        if (!value) return false;
-    }
-    return true;
+    return find(path).first != nullptr;
 }
 
-const JsonValue& JsonSettings::require(const SettingsPath& path) const
+ValuePtr JsonSettings::require(const SettingsPath& path) const
 {
-    const JsonValue* value = tree_.get();
-    for (const auto& element : path.getElements()) {
-        const ValuePtr child = findChild(*value, element);
-        if (!child) {
-            file_->refusal = value->position;
-            GENICAM_THROW(RuntimeException, "The setting \"%s\" is missing.", pathText(path).c_str());
-        }
-        value = child.get();
-    }
-    return *value;
+    const auto [value, last] = find(path);
+    if (value) return value;
+    file_->refusal = Refusal{last->position, fullPath(path)};
+    GENICAM_THROW(RuntimeException, "The setting \"%s\" is missing.", pathText(path).c_str());
 }
 
 void JsonSettings::refuse(const SettingsPath& path, const JsonValue& found, const char* wanted) const
 {
-    file_->refusal = found.position;
+    file_->refusal = Refusal{found.position, fullPath(path)};
     GENICAM_THROW(RuntimeException, "The setting \"%s\" is %s; wanted is %s.", pathText(path).c_str(),
                   found.describe().c_str(), wanted);
 }
@@ -129,46 +195,46 @@ void JsonSettings::refuse(const SettingsPath& path, const JsonValue& found, cons
 std::int64_t JsonSettings::getSigned(const SettingsPath& path) const
 {
     constexpr auto greatest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
-    const JsonValue& value = require(path);
-    if (const auto* number = value.as<std::int64_t>()) return *number;
-    const auto* number = value.as<std::uint64_t>();
+    const ValuePtr value = require(path);
+    if (const auto* number = value->as<std::int64_t>()) return *number;
+    const auto* number = value->as<std::uint64_t>();
     if (!number || *number > greatest) {
-        refuse(path, value, "an integer from -9223372036854775808 to 9223372036854775807");
+        refuse(path, *value, "an integer from -9223372036854775808 to 9223372036854775807");
     }
     return static_cast<std::int64_t>(*number);
 }
 
 std::uint64_t JsonSettings::getUnsigned(const SettingsPath& path) const
 {
-    const JsonValue& value = require(path);
-    const auto* number = value.as<std::uint64_t>();
-    if (!number) refuse(path, value, "an integer from 0 to 18446744073709551615");
+    const ValuePtr value = require(path);
+    const auto* number = value->as<std::uint64_t>();
+    if (!number) refuse(path, *value, "an integer from 0 to 18446744073709551615");
     return *number;
 }
 
 double JsonSettings::getDouble(const SettingsPath& path) const
 {
-    const JsonValue& value = require(path);
-    if (const auto* number = value.as<double>()) return *number;
-    if (const auto* number = value.as<std::int64_t>()) return static_cast<double>(*number);
-    const auto* number = value.as<std::uint64_t>();
-    if (!number) refuse(path, value, "a number");
+    const ValuePtr value = require(path);
+    if (const auto* number = value->as<double>()) return *number;
+    if (const auto* number = value->as<std::int64_t>()) return static_cast<double>(*number);
+    const auto* number = value->as<std::uint64_t>();
+    if (!number) refuse(path, *value, "a number");
     return static_cast<double>(*number);
 }
 
 bool JsonSettings::getBool(const SettingsPath& path) const
 {
-    const JsonValue& value = require(path);
-    const auto* flag = value.as<bool>();
-    if (!flag) refuse(path, value, "true or false");
+    const ValuePtr value = require(path);
+    const auto* flag = value->as<bool>();
+    if (!flag) refuse(path, *value, "true or false");
     return *flag;
 }
 
 gcstring JsonSettings::getString(const SettingsPath& path) const
 {
-    const JsonValue& value = require(path);
-    const auto* text = value.as<std::string>();
-    if (!text) refuse(path, value, "a text");
+    const ValuePtr value = require(path);
+    const auto* text = value->as<std::string>();
+    if (!text) refuse(path, *value, "a text");
     return gcstring(*text);
 }
 
@@ -239,12 +305,9 @@ void JsonSettings::setString(const SettingsPath& path, const gcstring& value)
 
 std::shared_ptr<Core::ISettings> JsonSettings::openChild(const SettingsPath& path) const
 {
-    const JsonValue& found = require(path);
-    if (!found.as<JsonObject>()) refuse(path, found, "an object");
-    ValuePtr value = tree_;
-    for (const auto& element : path.getElements())
-        value = findChild(*value, element);
-    return std::shared_ptr<JsonSettings>(new JsonSettings(value, file_, pathText(path)));
+    const ValuePtr value = require(path);
+    if (!value->as<JsonObject>()) refuse(path, *value, "an object");
+    return std::shared_ptr<JsonSettings>(new JsonSettings(value, file_, fullPath(path)));
 }
 
 std::shared_ptr<Core::ISettings> JsonSettings::createChild(const SettingsPath& path)

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
 #include "core/isettings.h"
 #include "runtime/jsondocument.h"
@@ -31,6 +34,21 @@ public:
     /// Where in the file the value, or the object that lacks it, stands that this store or a child of it refused
     /// last.
     std::optional<TextPosition> getRefusalPosition() const;
+    /// Puts what `instead` has at the path that was refused last in its place, so that a reader who begins anew
+    /// gets on to what else it refuses. False if nothing was refused, `instead` has
+    /// nothing there, or it fits nowhere.
+    bool replaceRefused(const JsonSettings& instead);
+
+    /// A value that nobody asked for, through this store or a child of it, or only for what would stand below it.
+    struct Unread
+    {
+        TextPosition position;
+        std::string path;
+        std::string name;
+        std::vector<std::string> missed;  ///< What was asked for in the same object and is not there.
+    };
+    /// Of an object or a list that nobody asked for only itself.
+    std::vector<Unread> listUnread() const;
 
     bool hasKey(const Core::SettingsPath& path) const override;
     std::int64_t getSigned(const Core::SettingsPath& path) const override;
@@ -49,24 +67,34 @@ public:
     GenICam::gcstring getLocation() const override;
 
 private:
+    struct Refusal
+    {
+        TextPosition position;
+        Core::SettingsPath path;
+    };
     /// What a store and its children have in common.
     struct File
     {
         GenICam::gcstring location;
-        std::optional<TextPosition> refusal;
+        std::optional<Refusal> refusal;
+        std::map<std::string, std::set<std::string>> asked;  ///< Names and "[INDEX]" by the path they stand below.
     };
 
-    JsonSettings(std::shared_ptr<JsonValue> tree, std::shared_ptr<File> file, std::string prefix);
+    JsonSettings(std::shared_ptr<JsonValue> tree, std::shared_ptr<File> file, Core::SettingsPath prefix);
 
+    Core::SettingsPath fullPath(const Core::SettingsPath& path) const;
     std::string pathText(const Core::SettingsPath& path) const;
-    const JsonValue& require(const Core::SettingsPath& path) const;
+    /// The value at the path and null, or null and the last value on the way to it.
+    std::pair<std::shared_ptr<JsonValue>, std::shared_ptr<JsonValue>> find(const Core::SettingsPath& path) const;
+    void addUnread(const JsonValue& value, const std::string& path, std::vector<Unread>& unread) const;
+    std::shared_ptr<JsonValue> require(const Core::SettingsPath& path) const;
     JsonValue& make(const Core::SettingsPath& path);
     void store(const Core::SettingsPath& path, JsonValue::Data&& data);
     [[noreturn]] void refuse(const Core::SettingsPath& path, const JsonValue& found, const char* wanted) const;
 
     std::shared_ptr<JsonValue> tree_;
     std::shared_ptr<File> file_;
-    std::string prefix_;  ///< The path of tree_ in the whole store.
+    Core::SettingsPath prefix_;  ///< The path of tree_ in the whole store.
 };
 
 }  // namespace Nivex::DataProcessing::Runtime

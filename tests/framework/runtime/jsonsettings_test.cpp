@@ -79,6 +79,40 @@ TEST_F(JsonSettingsTest, RefusalsNameThePathAndItsPlace)
     expectRefused([&] { store.openChild("list"); }, "wanted is an object");
 }
 
+TEST_F(JsonSettingsTest, WhatWasRefusedIsReplacedSoThatTheRestCanBeRead)
+{
+    const JsonSettings instead(
+        parseJson(R"({"name": 1, "child": {"inner": {"more": {"deep": true}}}, "list": {}})").root);
+    EXPECT_FALSE(store.replaceRefused(instead)) << "nothing was refused";
+    expectRefused([&] { store.getSigned("name"); }, "\"name\"");
+    EXPECT_TRUE(store.replaceRefused(instead));
+    EXPECT_EQ(store.getSigned("name"), 1);
+    expectRefused([&] { store.openChild("child")->openChild("inner")->openChild("more"); }, "is missing");
+    EXPECT_TRUE(store.replaceRefused(instead));
+    EXPECT_TRUE(store.openChild("child")->openChild("inner")->openChild("more")->getBool("deep"));
+    expectRefused([&] { store.getSigned("absent"); }, "is missing");
+    EXPECT_FALSE(store.replaceRefused(instead)) << "there is nothing to take";
+}
+
+TEST_F(JsonSettingsTest, ListsWhatNobodyAskedFor)
+{
+    for (const char* key : {"name", "smal", "minus", "most", "nothing", "list"})
+        store.hasKey(key);
+    store.hasKey(SettingsPath("minus").addElement(std::size_t{0}));
+    store.hasKey(listItem(1).addElement("depp"));
+    store.openChild("child")->hasKey("outer");
+    std::string told;
+    for (const auto& unread : store.listUnread()) {
+        told += std::to_string(unread.position.line) + " " + unread.path + " (" + unread.name + ")";
+        for (const std::string& missed : unread.missed)
+            told += " " + missed;
+        told += "; ";
+    }
+    EXPECT_EQ(told,
+              "2 small (small) smal; 2 minus (minus) smal; 2 ratio (ratio) smal; 2 on (on) smal; 4 list[0] ([0]); "
+              "4 list[1].deep (deep) depp; 4 child.inner (inner) outer; ");
+}
+
 TEST_F(JsonSettingsTest, WritesInTheOrderOfSetting)
 {
     JsonSettings fresh;
