@@ -2,6 +2,7 @@
 // it is compiled: FAKE_VERSION, FAKE_MANIFEST_BROKEN, FAKE_ENTRY_MISSING.
 #include <cstdlib>
 #include <cstring>
+#include <sstream>
 #include <string>
 #include <thread>
 
@@ -18,33 +19,23 @@ using namespace Nivex::DataProcessing;
 
 namespace {
 
-constexpr const char* sourceMap = R"(<?xml version="1.0" encoding="utf-8"?>
-<RegisterDescription ModelName="Source" VendorName="Test" StandardNameSpace="None" SchemaMajorVersion="1"
+/// A description of integers without registers, from lines "NAME VALUE MIN MAX".
+std::string describe(const std::string& lines)
+{
+    std::string features;
+    std::string nodes;
+    std::istringstream rows(lines);
+    for (std::string name, value, least, most; rows >> name >> value >> least >> most;) {
+        features += "<pFeature>" + name + "</pFeature>";
+        nodes += "<Integer Name=\"" + name + "\"><Value>" + value + "</Value><Min>" + least + "</Min><Max>" +
+                 most + "</Max></Integer>";
+    }
+    return R"(<?xml version="1.0" encoding="utf-8"?>
+<RegisterDescription ModelName="Fake" VendorName="Test" StandardNameSpace="None" SchemaMajorVersion="1"
     SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0" SubMinorVersion="0"
-    ProductGuid="0" VersionGuid="0" xmlns="http://www.genicam.org/GenApi/Version_1_1">
-  <Category Name="Root"><pFeature>Count</pFeature><pFeature>Refuse</pFeature></Category>
-  <Integer Name="Count"><Value>3</Value><Min>0</Min><Max>100</Max></Integer>
-  <Integer Name="Refuse"><Value>0</Value><Min>0</Min><Max>1</Max></Integer>
-</RegisterDescription>)";
-constexpr const char* grabberMap = R"(<?xml version="1.0" encoding="utf-8"?>
-<RegisterDescription ModelName="Grabber" VendorName="Test" StandardNameSpace="None" SchemaMajorVersion="1"
-    SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0" SubMinorVersion="0"
-    ProductGuid="0" VersionGuid="0" xmlns="http://www.genicam.org/GenApi/Version_1_1">
-  <Category Name="Root"><pFeature>Count</pFeature><pFeature>Refuse</pFeature><pFeature>Camera</pFeature>
-    <pFeature>Lost</pFeature></Category>
-  <Integer Name="Count"><Value>3</Value><Min>0</Min><Max>100</Max></Integer>
-  <Integer Name="Refuse"><Value>0</Value><Min>0</Min><Max>1</Max></Integer>
-  <Integer Name="Camera"><Value>0</Value><Min>0</Min><Max>9</Max></Integer>
-  <Integer Name="Lost"><Value>0</Value><Min>0</Min><Max>2</Max></Integer>
-</RegisterDescription>)";
-constexpr const char* sinkMap = R"(<?xml version="1.0" encoding="utf-8"?>
-<RegisterDescription ModelName="Sink" VendorName="Test" StandardNameSpace="None" SchemaMajorVersion="1"
-    SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0" SubMinorVersion="0"
-    ProductGuid="0" VersionGuid="0" xmlns="http://www.genicam.org/GenApi/Version_1_1">
-  <Category Name="Root"><pFeature>Pins</pFeature><pFeature>Cause</pFeature></Category>
-  <Integer Name="Pins"><Value>1</Value><Min>1</Min><Max>9</Max></Integer>
-  <Integer Name="Cause"><Value>-1</Value><Min>-1</Min><Max>12</Max></Integer>
-</RegisterDescription>)";
+    ProductGuid="0" VersionGuid="0" xmlns="http://www.genicam.org/GenApi/Version_1_1"><Category Name="Root">)" +
+           features + "</Category>" + nodes + "</RegisterDescription>";
+}
 
 /// A node with the maps "@Stagelet" and, while its resources are allocated, "@Late", which are the same.
 class FakeNode : public Core::AdvancedNode, public Core::INodeMapContainer
@@ -61,9 +52,10 @@ public:
     void saveSettings(const std::shared_ptr<Core::ISettings>&) override {}
 
 protected:
-    FakeNode(const std::shared_ptr<Core::IResourcePool>& pool, const char* description) : AdvancedNode(pool)
+    FakeNode(const std::shared_ptr<Core::IResourcePool>& pool, const std::string& parameters) : AdvancedNode(pool)
     {
-        map_ = GenApi::CNodeMapFactory(GenApi::ContentType_Xml, description, std::strlen(description))
+        const std::string description = describe(parameters);
+        map_ = GenApi::CNodeMapFactory(GenApi::ContentType_Xml, description.data(), description.size())
                    .CreateNodeMap("Device", true);
     }
     GenApi::IInteger& integer(const char* name) const
@@ -90,8 +82,8 @@ protected:
 class Source : public FakeNode
 {
 public:
-    explicit Source(const std::shared_ptr<Core::IResourcePool>& pool, const char* description = sourceMap)
-        : FakeNode(pool, description)
+    explicit Source(const std::shared_ptr<Core::IResourcePool>& pool, const std::string& more = {})
+        : FakeNode(pool, "Count 3 0 100 Refuse 0 0 1 " + more)
     {
         createOutput("Text", "Text", Utils::TypeInfo::get<Core::String>());
     }
@@ -100,6 +92,12 @@ public:
     void loadSettings(const std::shared_ptr<Core::ISettings>& settings) override
     {
         integer("Count").SetValue(settings->openChild("images")->getSigned("count"));
+        if (settings->hasKey("refuse")) integer("Refuse").SetValue(settings->getSigned("refuse"));
+    }
+    void saveSettings(const std::shared_ptr<Core::ISettings>& settings) override
+    {
+        settings->createChild("images")->setSigned("count", integer("Count").GetValue());
+        settings->setSigned("refuse", integer("Refuse").GetValue());
     }
 
 protected:
@@ -133,7 +131,7 @@ private:
 class Grabber : public Source
 {
 public:
-    explicit Grabber(const std::shared_ptr<Core::IResourcePool>& pool) : Source(pool, grabberMap)
+    explicit Grabber(const std::shared_ptr<Core::IResourcePool>& pool) : Source(pool, "Camera 0 0 9 Lost 0 0 2")
     {
         changed_.set(pool->getResourcesChangedSignal().connect([] {}), true);
     }
@@ -186,7 +184,7 @@ private:
 class Sink : public FakeNode
 {
 public:
-    explicit Sink(const std::shared_ptr<Core::IResourcePool>& pool) : FakeNode(pool, sinkMap)
+    explicit Sink(const std::shared_ptr<Core::IResourcePool>& pool) : FakeNode(pool, "Pins 1 1 9 Cause -1 -1 12")
     {
         map_->GetNode("Pins")->RegisterCallback([this](GenApi::INode*) { makePins(); });
         makePins();
@@ -219,27 +217,26 @@ private:
     std::int64_t pins_ = 0;
 };
 
-constexpr const char* manifest = R"({
-"Version": "1.0", "Vendor": "Test", "Copyright": "", "License": "",
-"Modules": [
-  { "Name": "Source", "Uuid": "00000000-0000-0000-0000-000000000001", "ObjectVersion": "1.0.0",
-    "MinRequiredSoftwareVersion": "1.0.0", "MinRequiredFileVersion": "1.0.0", "InterfaceType": "Native",
-    "DisplayName": "A source", "Tags": ["A=B"], "ShortDescription": "Short", "DetailedDescription": "",
-    "SupportedUuids": [], "HasDynamicInfo": "False" },
-  { "Name": "Sink", "Uuid": "00000000-0000-0000-0000-000000000002", "ObjectVersion": "1.0.0",
-    "MinRequiredSoftwareVersion": "1.0.0", "MinRequiredFileVersion": "1.0.0", "InterfaceType": "Native",
-    "DisplayName": "A sink", "Tags": [], "ShortDescription": "Short", "DetailedDescription": "",
-    "SupportedUuids": [], "HasDynamicInfo": "False" },
-  { "Name": "Grabber", "Uuid": "00000000-0000-0000-0000-000000000003", "ObjectVersion": "1.0.0",
-    "MinRequiredSoftwareVersion": "1.0.0", "MinRequiredFileVersion": "1.0.0", "InterfaceType": "Native",
-    "DisplayName": "A grabber", "Tags": [], "ShortDescription": "Short", "DetailedDescription": "",
-    "SupportedUuids": [], "HasDynamicInfo": "False" }
-])"
-#ifndef FAKE_MANIFEST_BROKEN
-                                 "}";
-#else
-                                 ", }";
+std::string makeManifest()
+{
+    std::string modules;
+    for (const auto& [name, displayName] :
+         {std::pair("Source", "A source"), std::pair("Sink", "A sink"), std::pair("Grabber", "A grabber")})
+    {
+        const std::string number = std::to_string(modules.size());  // another one for each
+        modules += (modules.empty() ? "" : ", ") + std::string("{ \"Name\": \"") + name +
+                   "\", \"Uuid\": \"00000000-0000-0000-0000-" + std::string(12 - number.size(), '0') + number +
+                   "\", \"DisplayName\": \"" + displayName + R"(",
+            "ObjectVersion": "1.0.0", "MinRequiredSoftwareVersion": "1.0.0", "MinRequiredFileVersion": "1.0.0",
+            "InterfaceType": "Native", "Tags": ["A=B"], "ShortDescription": "Short", "DetailedDescription": "",
+            "SupportedUuids": [], "HasDynamicInfo": "False" })";
+    }
+#ifdef FAKE_MANIFEST_BROKEN
+    modules += ",";
 #endif
+    return R"({ "Version": "1.0", "Vendor": "Test", "Copyright": "", "License": "", "Modules": [)" + modules +
+           "]}";
+}
 
 }  // namespace
 
@@ -255,7 +252,7 @@ FAKE_EXPORT int get_InterfaceVersion()
 
 FAKE_EXPORT char* create_StaticInfo()
 {
-    return strdup(manifest);
+    return strdup(makeManifest().c_str());
 }
 
 FAKE_EXPORT void destroy_Info(char** info)
@@ -264,34 +261,22 @@ FAKE_EXPORT void destroy_Info(char** info)
     *info = nullptr;
 }
 
-FAKE_EXPORT Core::NodeBase* create_Source(const std::shared_ptr<Core::IResourcePool>& pool)
-{
-    return new Source(pool);
-}
+#define FAKE_CREATE(NAME)                                                                       \
+    FAKE_EXPORT Core::NodeBase* create_##NAME(const std::shared_ptr<Core::IResourcePool>& pool) \
+    {                                                                                           \
+        return new NAME(pool);                                                                  \
+    }
+#define FAKE_DESTROY(NAME)                                \
+    FAKE_EXPORT void destroy_##NAME(Core::NodeBase* node) \
+    {                                                     \
+        delete node;                                      \
+    }
 
-FAKE_EXPORT void destroy_Source(Core::NodeBase* node)
-{
-    delete node;
-}
-
-FAKE_EXPORT Core::NodeBase* create_Grabber(const std::shared_ptr<Core::IResourcePool>& pool)
-{
-    return new Grabber(pool);
-}
-
-FAKE_EXPORT void destroy_Grabber(Core::NodeBase* node)
-{
-    delete node;
-}
-
-FAKE_EXPORT Core::NodeBase* create_Sink(const std::shared_ptr<Core::IResourcePool>& pool)
-{
-    return new Sink(pool);
-}
-
+FAKE_CREATE(Source)
+FAKE_DESTROY(Source)
+FAKE_CREATE(Grabber)
+FAKE_DESTROY(Grabber)
+FAKE_CREATE(Sink)
 #ifndef FAKE_ENTRY_MISSING
-FAKE_EXPORT void destroy_Sink(Core::NodeBase* node)
-{
-    delete node;
-}
+FAKE_DESTROY(Sink)
 #endif

@@ -74,7 +74,7 @@ TEST(Package, FaultsNameFileAndCause)
         {__FILE__, "cannot be loaded"},
         {STAGELET_LIB_DIR "/libGCBase.so", "no entry point \"get_InterfaceVersion\""},
         {fakeFile("version"), "Its interface version is 3; this host speaks version 2."},
-        {fakeFile("manifest_broken"), "manifest is not in order: 16:4: "},
+        {fakeFile("manifest_broken"), "manifest is not in order: 10:63: "},
         {fakeFile("entry_missing"), "no entry point \"destroy_Sink\""},
     };
     for (const auto& c : cases) {
