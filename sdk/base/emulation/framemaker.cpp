@@ -1,7 +1,10 @@
 #include "base/emulation/framemaker.h"
 
 #include <cstring>
-#include <exception>
+#include <mutex>
+#include <set>
+
+#include "gcbase/exception.h"
 
 namespace Nivex::Emulation {
 namespace {
@@ -67,12 +70,22 @@ void appendValue(Appender& to, const ChunkRow& chunk, const PictureSettings& pic
     }
 }
 
-void fail(SFrame& frame, const FrameFault& fault)
+void fail(SFrame& frame, std::uint32_t code, const char* text)
 {
     frame.isComplete = false;
     frame.hasChunks = false;
-    frame.errorCode = fault.code;
-    frame.errorDescription = fault.text;
+    frame.errorCode = code;
+    frame.errorDescription = text;
+}
+
+/// The same text for good, as frames refer to theirs wherever they go. There are as many as files that can't be
+/// read.
+const char* lasting(const std::string& text)
+{
+    static std::mutex mutex;
+    static std::set<std::string> texts;
+    const std::lock_guard lock(mutex);
+    return texts.insert(text).first->c_str();
 }
 
 void loseSecondHalf(SFrame& frame)
@@ -94,14 +107,13 @@ void FrameMaker::Prepare(const FrameSettings& settings)
 {
     settings_ = settings;
     payloadSize_ = settings.PayloadSize();
-    ready_ = false;
     try {
         for (std::size_t i = 0; i < sources_.size(); ++i)
             if (settings.pictures[i]) sources_[i].Prepare(*settings.pictures[i]);
-        ready_ = true;
-    } catch (const std::exception&) {
+        fault_.clear();
+    } catch (...) {
         // Each frame tells it: without pictures it is delivered as failed.
-        return;
+        fault_ = GenICam::describeCurrentException();
     }
 }
 
@@ -112,30 +124,34 @@ SFrame FrameMaker::Make(const SStreamBuffer& buffer, const FrameFacts& facts)
     frame.isComplete = true;
     frame.blockId = facts.number;
     frame.timestamp = facts.timestamp;
-    if (!ready_ || payloadSize_ > buffer.size) {
-        fail(frame, ready_ ? bufferTooSmall : noPictures);
+    if (!fault_.empty()) {
+        fail(frame, noPictures, lasting(fault_));
         return frame;
     }
-    const bool hasPictures = MakePictures(frame, facts);
+    if (payloadSize_ > buffer.size) {
+        fail(frame, bufferTooSmall, "The buffer is too small for the frame.");
+        return frame;
+    }
+    const std::string unreadable = MakePictures(frame, facts);
     if (settings_.hasChunks) AppendChunks(frame, facts);
-    if (!hasPictures) {
-        fail(frame, unreadablePicture);
+    if (!unreadable.empty()) {
+        fail(frame, unreadablePicture, lasting(unreadable));
     } else if (settings_.failedEvery > 0 && facts.number % settings_.failedEvery == 0) {
-        fail(frame, *settings_.fault);
+        fail(frame, settings_.fault->code, settings_.fault->text);
         if (settings_.fault == &frameFaults[0]) loseSecondHalf(frame);
     }
     return frame;
 }
 
-bool FrameMaker::MakePictures(SFrame& frame, const FrameFacts& facts)
+std::string FrameMaker::MakePictures(SFrame& frame, const FrameFacts& facts)
 {
-    bool readable = true;
+    std::string unreadable;
     std::size_t count = 0;
     for (std::size_t i = 0; i < sources_.size(); ++i) {
         if (!settings_.pictures[i]) continue;
         const PictureSettings& picture = *settings_.pictures[i];
         const std::size_t size = sources_[i].PictureSize();
-        readable &= sources_[i].Fill(facts.number - 1, {frame.buffer.data + frame.payloadSize, size});
+        unreadable += sources_[i].Fill(facts.number - 1, {frame.buffer.data + frame.payloadSize, size});
         frame.components[count++] = {.type = components[i].type,
                                      .pixelType = picture.pixelType,
                                      .width = picture.width,
@@ -159,7 +175,7 @@ bool FrameMaker::MakePictures(SFrame& frame, const FrameFacts& facts)
     frame.payloadType = !isPlain              ? EPayloadType::MultiComponent
                         : settings_.hasChunks ? EPayloadType::ChunkData
                                               : EPayloadType::Image;
-    return readable;
+    return unreadable;
 }
 
 void FrameMaker::AppendChunks(SFrame& frame, const FrameFacts& facts) const

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "base/camerabackend.h"
 #include "base/emulation/framesettings.h"
@@ -30,13 +31,14 @@ public:
     SFrame Make(const SStreamBuffer& buffer, const FrameFacts& facts);
 
 private:
-    bool MakePictures(SFrame& frame, const FrameFacts& facts);
+    /// Gives an empty text, or why a picture is missing.
+    std::string MakePictures(SFrame& frame, const FrameFacts& facts);
     void AppendChunks(SFrame& frame, const FrameFacts& facts) const;
 
     FrameSettings settings_;
     std::size_t payloadSize_ = 0;  ///< Of settings_.
     std::array<PictureSource, std::size(components)> sources_;
-    bool ready_ = false;
+    std::string fault_ = "No frame was prepared.";  ///< Why there are no pictures; else empty.
 };
 
 }  // namespace Nivex::Emulation

@@ -147,8 +147,9 @@ inline constexpr FrameFault frameFaults[] = {
     {"WithoutText", 0xE0000003, "", "A failure without a text."},
 };
 inline constexpr auto frameFaultChoices = choicesOf(frameFaults);
-inline constexpr FrameFault bufferTooSmall = {"", 0xE0000010, "The buffer is too small for the frame.", ""};
-inline constexpr FrameFault unreadablePicture = {"", 0xE0000011, "The picture file could not be read.", ""};
-inline constexpr FrameFault noPictures = {"", 0xE0000012, "The pictures could not be made ready.", ""};
+/// Codes of failures that nobody asked for.
+inline constexpr std::uint32_t bufferTooSmall = 0xE0000010;
+inline constexpr std::uint32_t unreadablePicture = 0xE0000011;
+inline constexpr std::uint32_t noPictures = 0xE0000012;
 
 }  // namespace Nivex::Emulation

@@ -179,11 +179,11 @@ void PictureSource::RenderFile(std::size_t index, std::span<std::byte> picture) 
     }
 }
 
-bool PictureSource::Fill(std::uint64_t number, std::span<std::byte> picture)
+std::string PictureSource::Fill(std::uint64_t number, std::span<std::byte> picture)
 {
     if (settings_.fromFolder) return FillFromFolder(number, picture);
     FillFromTable(number, picture);
-    return true;
+    return {};
 }
 
 void PictureSource::FillFromTable(std::uint64_t number, std::span<std::byte> picture) const
@@ -198,26 +198,25 @@ void PictureSource::FillFromTable(std::uint64_t number, std::span<std::byte> pic
     }
 }
 
-bool PictureSource::FillFromFolder(std::uint64_t number, std::span<std::byte> picture)
+std::string PictureSource::FillFromFolder(std::uint64_t number, std::span<std::byte> picture)
 {
     const std::size_t index = number % files_.size();
     std::vector<std::byte>& kept = pictures_[index];
     if (kept.size() == picture.size()) {
         std::memcpy(picture.data(), kept.data(), picture.size());
-        return true;
+        return {};
     }
     try {
         RenderFile(index, picture);
-    } catch (const std::exception&) {
-        // The frame tells it: it is delivered as failed.
+    } catch (...) {
         std::memset(picture.data(), 0, picture.size());
-        return false;
+        return GenICam::describeCurrentException();
     }
     if (keptBytes_ + picture.size() <= keptBytesLimit) {
         kept.assign(picture.begin(), picture.end());
         keptBytes_ += picture.size();
     }
-    return true;
+    return {};
 }
 
 }  // namespace Nivex::Emulation

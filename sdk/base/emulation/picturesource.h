@@ -45,9 +45,9 @@ public:
     /// Renders if the settings are others than before. Raises RuntimeException if a folder has no picture.
     void Prepare(const PictureSettings& settings);
     std::size_t PictureSize() const { return rowBytes_ * settings_.height; }
-    /// Fills `picture`, of PictureSize, with that of frame `number`. False if its file can't be read; the picture
-    /// is black then.
-    bool Fill(std::uint64_t number, std::span<std::byte> picture);
+    /// Fills `picture`, of PictureSize, with that of frame `number`. Gives an empty text, or why its file can't be
+    /// read; the picture is black then.
+    std::string Fill(std::uint64_t number, std::span<std::byte> picture);
 
     /// The files that Fill would show, in order. Raises RuntimeException that names the folder if there are none.
     static std::vector<std::string> PicturesOf(const std::string& folder);
@@ -56,7 +56,7 @@ private:
     void RenderScene();
     void RenderFile(std::size_t index, std::span<std::byte> picture) const;
     void FillFromTable(std::uint64_t number, std::span<std::byte> picture) const;
-    bool FillFromFolder(std::uint64_t number, std::span<std::byte> picture);
+    std::string FillFromFolder(std::uint64_t number, std::span<std::byte> picture);
     std::uint32_t Column(std::uint32_t x) const;
     std::uint32_t Row(std::uint32_t y, std::uint32_t rows) const;
 
