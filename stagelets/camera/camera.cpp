@@ -74,14 +74,7 @@ Camera::~Camera()
     impl_->signals->resourcesChanged.disconnect();
     impl_->camera.DeregisterConfiguration(this);
     finishRemovals();
-    try {
-        cleanup();
-    } catch (...) {
-        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
-                              "Camera %p: Exception caught while the node was ended. Message: %s",
-                              static_cast<const void*>(this), GenICam::describeCurrentException().c_str());
-        closeCamera();  // Nothing where cleanup came so far.
-    }
+    cleanup();
     impl_->camera.DeregisterImageEventHandler(this);
 }
 
@@ -119,7 +112,8 @@ void Camera::updateOutputs(Notices& notices)
     if (notices.outputs.empty()) return;
     const auto isWanted = [&notices](const Core::OutputDescriptor& present) {
         return std::any_of(notices.outputs.begin(), notices.outputs.end(), [&](const CameraOutput& output) {
-            return output.name == present.getName() && output.type == present.getType();
+            return output.name == present.getName() && output.type == present.getType() &&
+                   output.description == present.getDisplayName();
         });
     };
     std::vector<gcstring> present;
