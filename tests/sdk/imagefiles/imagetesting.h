@@ -12,6 +12,27 @@
 
 namespace ImageTesting {
 
+struct Lossless
+{
+    Nivex::EImageFileFormat format;
+    Nivex::EPixelType pixelType;
+};
+
+/// What loadable formats hold as it is and give back as it was.
+inline constexpr Lossless losslessForms[] = {
+    {Nivex::EImageFileFormat::Bmp, Nivex::EPixelType::Mono8},
+    {Nivex::EImageFileFormat::Bmp, Nivex::EPixelType::BGR8Packed},
+    {Nivex::EImageFileFormat::Bmp, Nivex::EPixelType::BGRA8Packed},
+    {Nivex::EImageFileFormat::Tiff, Nivex::EPixelType::Mono8},
+    {Nivex::EImageFileFormat::Tiff, Nivex::EPixelType::Mono16},
+    {Nivex::EImageFileFormat::Tiff, Nivex::EPixelType::RGB8Packed},
+    {Nivex::EImageFileFormat::Tiff, Nivex::EPixelType::RGB16Packed},
+    {Nivex::EImageFileFormat::Png, Nivex::EPixelType::Mono8},
+    {Nivex::EImageFileFormat::Png, Nivex::EPixelType::Mono16},
+    {Nivex::EImageFileFormat::Png, Nivex::EPixelType::RGB8Packed},
+    {Nivex::EImageFileFormat::Png, Nivex::EPixelType::RGB16Packed},
+};
+
 /// A picture in which no two neighbours are alike, no row or column repeats and no channel equals another.
 Nivex::CNivexImage makePicture(Nivex::EPixelType pixelType, std::uint32_t width, std::uint32_t height,
                                std::size_t paddingX = 0,

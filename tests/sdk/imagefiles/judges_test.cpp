@@ -60,13 +60,8 @@ class Judges : public FolderTest
 
 TEST_F(Judges, ImageMagickReadsOurFiles)
 {
-    const std::pair<EImageFileFormat, EPixelType> cases[] = {
-        {Bmp, Mono8},      {Bmp, BGR8Packed},  {Bmp, BGRA8Packed},  {Tiff, Mono8},
-        {Tiff, Mono16},    {Tiff, RGB8Packed}, {Png, Mono8},        {Png, Mono16},
-        {Png, RGB8Packed}, {Png, RGB16Packed}, {Tiff, RGB16Packed},
-    };
     constexpr const char* endings[] = {".bmp", ".tiff", ".jpg", ".png"};
-    for (const auto& [format, pixelType] : cases) {
+    for (const auto& [format, pixelType] : losslessForms) {
         SCOPED_TRACE(testing::Message()
                      << endings[static_cast<int>(format)] << " " << GetPixelTypeName(pixelType));
         const std::string path = inFolder("ours") + endings[static_cast<int>(format)];

@@ -197,16 +197,6 @@ TEST_F(Refusals, OnlyImageFilesAreRead)
     EXPECT_THROW(image.Load(""), GenICam::RuntimeException);
 }
 
-TEST_F(Refusals, ContentDecidesAndNotTheEnding)
-{
-    for (const EImageFileFormat format : loadableFormats) {
-        writeFile(folder / "picture.xyz", fileOf(format, Mono8));
-        CNivexImage image;
-        image.Load(inFolder("picture.xyz").c_str());
-        EXPECT_EQ(image.GetPixelType(), Mono8);
-    }
-}
-
 // A disk that runs full in the middle costs the new file, not the old one.
 TEST_F(Refusals, FullDiskLeavesTheOldFile)
 {

@@ -15,7 +15,9 @@ TEST(ImageSource, HoldsTheImageFilesOfAFolder)
     namespace fs = std::filesystem;
     const TemporaryFolder folder;
     std::vector<gcstring> expected;
-    for (const char* name : {"a.png", "B.PNG", "c.Jpg", "d.jpeg", "e.bmp", "f.tif", "g.tiff", "two.dots.png"}) {
+    for (const char* name :
+         {"a.png", "B.PNG", "c.Jpg", "d.jpeg", "e.bmp", "f.tif", "g.tiff", "h.dib", "i.jpe", "two.dots.png"})
+    {
         folder.addText(name);
         expected.emplace_back(folder / name);
     }
