@@ -49,10 +49,7 @@ constexpr auto degrees = [](std::ostream& stream, const auto& value) {
 void printPixelFormat(std::ostream& stream, const Image& image)
 {
     const Nivex::EPixelType type = image.getPixelType();
-    // Besides the formats of the table, no format and the unknown one, whose value is 0, have names.
-    const bool hasName =
-        Nivex::HasPixelLayout(type) || type == Nivex::EPixelType::Undefined || type == Nivex::EPixelType{};
-    if (hasName) {
+    if (Nivex::HasPixelLayout(type) || type == Nivex::EPixelType::Undefined) {
         stream << Nivex::GetPixelTypeName(type);
     } else {
         stream << static_cast<std::uint32_t>(type);
