@@ -43,9 +43,15 @@ const gcstring& ConfigurationSets::getActive(const gcstring& identifier) const
 
 gcstring ConfigurationSets::modifyCfgSetStagedContent(const gcstring& text, const char* operation) const
 {
-    std::optional<gcstring> result = normaliseFeatureStream(text.view());
-    if (!result) CAMERA_REFUSE(RuntimeException, node_, operation, invalidText);
-    return *std::move(result);
+    FeatureStream result = normaliseFeatureStream(text.view());
+    if (result.invalidLine != 0) {
+        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                              "Camera %p: Line %zu of the configuration set is neither a comment nor a parameter "
+                              "and its value.",
+                              node_, result.invalidLine);
+        CAMERA_REFUSE(RuntimeException, node_, operation, invalidText);
+    }
+    return std::move(result.text);
 }
 
 void ConfigurationSets::setStaged(const gcstring& identifier, const gcstring& text)
@@ -119,7 +125,8 @@ void ConfigurationSets::transfer(const gcstring& identifier, const gcstring& tex
 void ConfigurationSets::setActiveTexts(Texts texts)
 {
     for (auto& [identifier, text] : texts) {
-        if (auto normalised = normaliseFeatureStream(text.view())) text = *std::move(normalised);
+        FeatureStream normalised = normaliseFeatureStream(text.view());
+        if (normalised.invalidLine == 0) text = std::move(normalised.text);
     }
     active_ = std::move(texts);
 }

@@ -37,19 +37,20 @@ FeatureLine classifyFeatureLine(std::string_view line)
     return {isFeature(line, nameLength) ? FeatureLineKind::Feature : FeatureLineKind::Invalid};
 }
 
-std::optional<GenICam::gcstring> normaliseFeatureStream(std::string_view text)
+FeatureStream normaliseFeatureStream(std::string_view text)
 {
     std::string body;
     body.reserve(text.size() + featureStreamHeader.size() + 1);
     if (!text.empty() && text.find(featureStreamHeader) == std::string_view::npos)
         body.append(featureStreamHeader).append(1, '\n');
-    for (std::string_view rest = text; !rest.empty();) {
+    std::size_t number = 1;
+    for (std::string_view rest = text; !rest.empty(); ++number) {
         const std::size_t length = std::min(rest.find('\n'), rest.size());
         const std::string_view line = rest.substr(0, length);
         const FeatureLine found = classifyFeatureLine(line);
         switch (found.kind) {
             case FeatureLineKind::Invalid:
-                return std::nullopt;
+                return {.text = {}, .invalidLine = number};
             case FeatureLineKind::Assignment:
                 body.append(line.substr(0, found.nameLength))
                     .append(1, '\t')
@@ -65,7 +66,7 @@ std::optional<GenICam::gcstring> normaliseFeatureStream(std::string_view text)
         body.append(1, '\n');
         rest.remove_prefix(1);
     }
-    return GenICam::gcstring(std::move(body));
+    return {.text = GenICam::gcstring(std::move(body))};
 }
 
 }  // namespace Plugin::NivexStageletPackageBase

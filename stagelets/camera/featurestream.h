@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string_view>
 
 #include "gcbase/gcstring.h"
@@ -34,9 +33,16 @@ struct FeatureLine
 /// @param line comes without its line feed; a carriage return at its end belongs to the value.
 FeatureLine classifyFeatureLine(std::string_view line);
 
+struct FeatureStream
+{
+    GenICam::gcstring text;
+    /// The first line of what was given, from 1, that is neither comment nor feature, maybe a blank one; `text` is
+    /// empty then. 0 if there is none.
+    std::size_t invalidLine = 0;
+};
+
 /// The text with a tab in place of each ` = ` and the header as its first line if it stands nowhere in it;
-/// everything else as given. An empty text stays empty. Empty result if a line, maybe a blank one, is
-/// neither comment nor feature.
-std::optional<GenICam::gcstring> normaliseFeatureStream(std::string_view text);
+/// everything else as given. An empty text stays empty.
+FeatureStream normaliseFeatureStream(std::string_view text);
 
 }  // namespace Plugin::NivexStageletPackageBase

@@ -15,6 +15,8 @@ std::string refusal(const Call& call)
         call();
     } catch (const GenICam::GenericException& e) {
         return typeid(e) == typeid(E) ? e.GetDescription() : std::string("another type: ") + e.what();
+    } catch (const std::exception& e) {
+        return typeid(e) == typeid(E) ? e.what() : std::string("another type: ") + e.what();
     }
     return "no exception";
 }

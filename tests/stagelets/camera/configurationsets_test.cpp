@@ -7,10 +7,9 @@
 #include <regex>
 #include <stdexcept>
 
-#include "gcbase/exception.h"
-
 #include "camera/featurestream.h"
 #include "framework/logcapture.h"
+#include "framework/refusal.h"
 
 namespace Plugin::NivexStageletPackageBase::Test {
 namespace {
@@ -21,8 +20,9 @@ const std::string header = "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\n";
 
 std::string normalise(const std::string& text)
 {
-    const auto normalised = normaliseFeatureStream(text);
-    return normalised ? normalised->str() : "invalid";
+    const FeatureStream normalised = normaliseFeatureStream(text);
+    if (normalised.invalidLine == 0) return normalised.text.str();
+    return normalised.invalidLine == 1 ? "invalid" : "line " + std::to_string(normalised.invalidLine);
 }
 
 std::string normaliseByPatterns(const std::string& line)
@@ -70,15 +70,16 @@ TEST(FeatureStreamTest, NormalisesTexts)
         {"A\t" + header, "A\t" + header},
         {"A\t1\r\n# B\r\nC\t", header + "A\t1\r\n# B\r\nC\t"},
         {"A =\nUserOutput1\t0", header + "A\t\nUserOutput1\t0"},
-        {"A = 1\n!!\nB = 2\n", "invalid"},
+        {"A = 1\n!!\nB = 2\n", "line 2"},
         {"!!\n" + header, "invalid"},
-        {"A = 1\n\nB = 2\n", "invalid"},
+        {header + "A = 1\n\nB = 2\n", "line 3"},
         {"\n", "invalid"},
     };
     for (const auto& [text, expected] : rows) {
         SCOPED_TRACE(text);
         ASSERT_EQ(normalise(text), expected);
-        EXPECT_TRUE(expected == "invalid" || normalise(expected) == expected) << "normalised twice";
+        EXPECT_TRUE(normaliseFeatureStream(text).invalidLine != 0 || normalise(expected) == expected)
+            << "normalised twice";
     }
 }
 
@@ -100,18 +101,6 @@ class ConfigurationSetsTest : public testing::Test
 {
 protected:
     using Sent = std::vector<std::pair<gcstring, gcstring>>;
-
-    /// The text of the RuntimeException that `call` raises.
-    template <typename Call>
-    static std::string refusal(const Call& call)
-    {
-        try {
-            call();
-        } catch (const GenICam::RuntimeException& e) {
-            return e.GetDescription();
-        }
-        return "no exception";
-    }
 
     ScopedLogCapture log;
     ConfigurationSets sets{this};
@@ -165,21 +154,24 @@ TEST_F(ConfigurationSetsTest, FailuresLeaveTheTextsAlone)
     sets.commit(camera, {});
     sets.fetch(camera, [](const gcstring&) { return "!!"; });
 
-    EXPECT_EQ(refusal([&] { sets.setStaged(camera, "A = 1\n?"); }), invalid);
-    EXPECT_EQ(refusal([&] { sets.commit(camera, send); }), invalid);
-    EXPECT_EQ(refusal([&] {
-                  sets.fetch(camera,
-                             [](const gcstring&) -> gcstring { GENICAM_THROW(AccessException, "locked"); });
-              }),
-              "locked");
-    EXPECT_EQ(
-        refusal([&] { sets.fetch(camera, [](const gcstring&) -> gcstring { throw std::logic_error("gone"); }); }),
-        "gone");
-    EXPECT_EQ(refusal([&] { sets.fetch(camera, [](const gcstring&) -> gcstring { throw 1; }); }), unknown);
+    const auto fetchRefused = [&](const auto& fail) {
+        return refusal<GenICam::RuntimeException>([&] {
+            sets.fetch(camera, [&](const gcstring&) -> gcstring {
+                fail();
+                return {};
+            });
+        });
+    };
+    const auto refused = [](const auto& call) { return refusal<GenICam::RuntimeException>(call); };
+    EXPECT_EQ(refused([&] { sets.setStaged(camera, "A = 1\n?"); }), invalid);
+    EXPECT_EQ(refused([&] { sets.commit(camera, send); }), invalid);
+    EXPECT_EQ(fetchRefused([] { GENICAM_THROW(AccessException, "locked"); }), "locked");
+    EXPECT_EQ(fetchRefused([] { throw std::logic_error("gone"); }), "gone");
+    EXPECT_EQ(fetchRefused([] { throw 1; }), unknown);
     EXPECT_EQ(sets.getStaged(camera), "!!");
     sets.setStaged(camera, "A = 2");
-    EXPECT_EQ(refusal([&] { sets.commit(camera, refuse); }), notSent);
-    EXPECT_EQ(refusal([&] { sets.apply(refuse); }), notApplied);
+    EXPECT_EQ(refused([&] { sets.commit(camera, refuse); }), notSent);
+    EXPECT_EQ(refused([&] { sets.apply(refuse); }), notApplied);
     EXPECT_EQ(sets.getStaged(camera), header + "A\t2");
     EXPECT_EQ(sets.getActive(camera), header + "A\t1");
     EXPECT_EQ(sent, Sent());
@@ -194,13 +186,13 @@ TEST_F(ConfigurationSetsTest, FailuresLeaveTheTextsAlone)
     const auto cause = logged(
         "Exception caught while loading the feature stream of \"@CameraDevice\". "
         "Message: \"too long\"");
-    EXPECT_THAT(
-        log.messages("nivex.dataprocessing.stagelet.Camera"),
-        testing::ElementsAre(failed("setCfgSetStagedContent", invalid), failed("executeCfgSetCommit", invalid),
-                             fetching, testing::HasSubstr("\"gone\""), failed("executeCfgSetFetch", unknown),
-                             cause, failed("transferCfgSetActiveContentToCamera", notSent), cause,
-                             failed("transferCfgSetActiveContentToCamera", notSent),
-                             failed("allocateAdditionalResources", notApplied)));
+    EXPECT_THAT(log.messages("nivex.dataprocessing.stagelet.Camera"),
+                testing::ElementsAre(logged("Line 2 of"), failed("setCfgSetStagedContent", invalid),
+                                     logged("Line 1 of"), failed("executeCfgSetCommit", invalid), fetching,
+                                     testing::HasSubstr("\"gone\""), failed("executeCfgSetFetch", unknown), cause,
+                                     failed("transferCfgSetActiveContentToCamera", notSent), cause,
+                                     failed("transferCfgSetActiveContentToCamera", notSent),
+                                     failed("allocateAdditionalResources", notApplied)));
 }
 
 }  // namespace
