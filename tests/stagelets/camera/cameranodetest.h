@@ -17,6 +17,7 @@
 #include "core/image.h"
 #include "core/values.h"
 #include "framework/logcapture.h"
+#include "framework/refusal.h"
 #include "runtime/graph.h"
 #include "runtime/jsonsettings.h"
 #include "runtime/resourcepool.h"
@@ -154,20 +155,6 @@ protected:
     {
         while (!condition())
             std::this_thread::yield();
-    }
-    /// The text of the exception of type E that `call` raises.
-    template <typename E, typename Call>
-    static std::string refusal(const Call& call)
-    {
-        try {
-            call();
-        } catch (const E& e) {
-            if constexpr (std::is_base_of_v<GenICam::GenericException, E>) return e.GetDescription();
-            return e.what();
-        } catch (const std::exception& e) {
-            return std::string("another exception: ") + e.what();
-        }
-        return "no exception";
     }
     /// "Camera <address>: function failed. Message: "text"", without the place in the source.
     std::size_t loggedRefusals(const Camera& node, const std::string& function, const std::string& text) const
