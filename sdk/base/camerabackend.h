@@ -55,7 +55,7 @@ struct SFrameComponent
     std::uint32_t offsetX = 0;
     std::uint32_t offsetY = 0;
     std::size_t paddingX = 0;  ///< Bytes behind each row.
-    std::size_t offset = 0;    ///< First byte, from the start of the buffer; any alignment.
+    std::size_t offset = 0;    ///< First byte, from the start of the buffer.
     std::size_t size = 0;      ///< In bytes.
 };
 
@@ -87,7 +87,7 @@ struct SFrame
     std::uint32_t offsetX = 0;
     std::uint32_t offsetY = 0;
     std::size_t paddingX = 0;
-    std::size_t imageSize = 0;    ///< Bytes of the picture.
+    std::size_t imageSize = 0;    ///< Bytes of the picture, which begins the buffer.
     std::size_t payloadSize = 0;  ///< Bytes received, chunks and trailers included.
     /// The camera's frame number; 0 if it has none. It grows by 1 with each frame that the camera takes,
     /// delivered, failed or lost, and goes on from 65535 to 1 where the transport has 16 bits for it (GigE Vision

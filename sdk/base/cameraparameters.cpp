@@ -20,10 +20,10 @@ struct Row
     const char* displayName;
     const char* toolTip;
     const char* description;
-    bool isBoolean;
-    bool isReadOnly;
-    std::int64_t initial;
-    std::int64_t max;
+    bool isBoolean = false;
+    bool isReadOnly = false;
+    std::int64_t initial = 0;
+    std::int64_t max = 65535;
 
     constexpr std::int64_t Min() const { return isBoolean || isReadOnly ? 0 : 1; }
 };
@@ -50,22 +50,15 @@ constexpr std::array<Row, RowCount> rows = {{
          "Number of image buffers that are made when grabbing starts. Each holds one image of the camera. More "
          "buffers bridge longer delays of the receiver before images are lost, and take more memory. A change "
          "takes effect at the next start of grabbing.",
-     .isBoolean = false,
-     .isReadOnly = false,
-     .initial = 10,
-     .max = 65535},
+     .initial = 10},
     {.name = "OutputQueueSize",
      .displayName = "Output Queue Size",
      .toolTip = "Number of images kept for the receiver by the grab strategy \"Latest Images\".",
      .description =
          "Number of images kept for the receiver by the grab strategy \"Latest Images\". If that many wait and a "
          "further one arrives, the oldest one is skipped. At most as many as there are buffers are kept. The "
-         "other "
-         "grab strategies don't use this parameter. A change takes effect at the next start of grabbing.",
-     .isBoolean = false,
-     .isReadOnly = false,
-     .initial = 1,
-     .max = 65535},
+         "other grab strategies don't use this parameter. A change takes effect at the next start of grabbing.",
+     .initial = 1},
     {.name = "GrabCameraEvents",
      .displayName = "Grab Camera Events",
      .toolTip = "Determines if events of the camera are passed on.",
@@ -73,7 +66,6 @@ constexpr std::array<Row, RowCount> rows = {{
          "Determines if events of the camera, e.g., the end of an exposure, are passed on to the camera's "
          "parameters and to those who wait for them. The camera itself must be told which events to send.",
      .isBoolean = true,
-     .isReadOnly = false,
      .initial = 1,
      .max = 1},
     {.name = "ChunkNodeMapsEnable",
@@ -84,45 +76,34 @@ constexpr std::array<Row, RowCount> rows = {{
          "parameters of each image. Takes some memory per buffer. A change takes effect at the next start of "
          "grabbing.",
      .isBoolean = true,
-     .isReadOnly = false,
      .initial = 1,
      .max = 1},
     {.name = "AcquisitionStartStopExecutionEnable",
      .displayName = "Acquisition Start Stop Execution Enable",
      .toolTip = "Determines if the camera is started and stopped together with grabbing.",
      .description = "Determines if the commands Acquisition Start and Acquisition Stop of the camera are executed "
-                    "when grabbing "
-                    "starts and stops. Turn this off to start and stop the camera at moments of your own choice.",
+                    "when grabbing starts and stops. Turn this off to start and stop the camera at moments of "
+                    "your own choice.",
      .isBoolean = true,
-     .isReadOnly = false,
      .initial = 1,
      .max = 1},
     {.name = "NumQueuedBuffers",
      .displayName = "Number of Queued Buffers",
      .toolTip = "Number of buffers that wait to be filled by the camera.",
      .description = "Number of buffers that wait to be filled by the camera. If it is 0, images get lost.",
-     .isBoolean = false,
-     .isReadOnly = true,
-     .initial = 0,
-     .max = 65535},
+     .isReadOnly = true},
     {.name = "NumReadyBuffers",
      .displayName = "Number of Ready Buffers",
      .toolTip = "Number of images that have arrived and wait for the receiver.",
      .description =
          "Number of images that have arrived and wait for the receiver. If it keeps growing, the receiver "
          "is slower than the camera.",
-     .isBoolean = false,
-     .isReadOnly = true,
-     .initial = 0,
-     .max = 65535},
+     .isReadOnly = true},
     {.name = "NumEmptyBuffers",
      .displayName = "Number of Empty Buffers",
      .toolTip = "Number of buffers that are not in use.",
      .description = "Number of buffers that are not in use. While the camera grabs, all buffers are in use.",
-     .isBoolean = false,
-     .isReadOnly = true,
-     .initial = 0,
-     .max = 65535},
+     .isReadOnly = true},
 }};
 
 std::string escaped(const char* text)

@@ -33,7 +33,6 @@ public:
 
     /// Takes over what the device says of the frame, as far as it can be true.
     void Fill(const SFrame& frame, std::uint64_t imageNumber);
-    std::uint64_t Skipped() const { return skipped_; }
     void AddSkipped(std::uint64_t count) { skipped_ += count; }
 
     /// The result, for its first user; when the last one lets go, the buffer goes back to `queue`.
