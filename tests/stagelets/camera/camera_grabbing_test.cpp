@@ -136,9 +136,10 @@ TEST_F(CameraGrabbing, FailedResultsAreErrorsOrRepaired)
         {FixCorruptImages::Off, false, "Packets lost.", "Packets lost.", "no value"},
         {FixCorruptImages::On, true, "", "no error", "false"},
         {FixCorruptImages::Off, true, "", "no error", "no value"},
+        // The fake camera states no form, so there is nothing to repair with; the flag tells all the same.
+        {FixCorruptImages::On, false, "", "No image can have 0 x 0 pixels", "true"},
     };
     std::size_t count = 0;
-    std::string corrupt;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.error);
         node.setFixCorruptImages(row.fix);
@@ -149,19 +150,14 @@ TEST_F(CameraGrabbing, FailedResultsAreErrorsOrRepaired)
             frame.isComplete = row.isComplete;
             frame.errorDescription = row.description;
         });
-        EXPECT_EQ(errorOf(imageOf(receiver.waitFor("Image", ++count).back())), row.error);
+        EXPECT_THAT(errorOf(imageOf(receiver.waitFor("Image", ++count).back())), testing::StartsWith(row.error));
         node.stop();
         const auto values = corruptReceiver.waitFor("ImageCorrupt", 0);
-        corrupt = values.empty() ? "no value" : values.back().getValue<Core::Boolean>().get() ? "true" : "false";
-        EXPECT_EQ(corrupt, row.corrupt);
+        EXPECT_STREQ(values.empty()                                  ? "no value"
+                     : values.back().getValue<Core::Boolean>().get() ? "true"
+                                                                     : "false",
+                     row.corrupt);
     }
-    // The fake camera states no payload size, so there is nothing to repair with: the flag tells all the same.
-    node.setFixCorruptImages(FixCorruptImages::On);
-    receiver.attachTo(node, "ImageCorrupt");
-    start();
-    device().PushFrame([](SFrame& frame) { frame.isComplete = false; });
-    EXPECT_TRUE(receiver.waitFor("ImageCorrupt", 1)[0].getValue<Core::Boolean>().get());
-    EXPECT_TRUE(imageOf(receiver.waitFor("Image", count + 1).back()).hasError());
 }
 
 TEST_F(CameraGrabbing, ChunksTravelWithTheirImageAndEventsAlone)
@@ -369,46 +365,39 @@ TEST_F(CameraAccount, EndsExactlyAtTheLimit)
     {
         const char* name;
         std::vector<std::pair<const char*, const char*>> settings;
-        std::uint64_t limit;
         const char* losses;
         std::uint64_t offered;
     };
+    constexpr std::uint64_t limit = 50;
     const Row rows[] = {
-        {"good frames", {}, 50, "", 50},
-        {"each fifth fails", {{"FailedFramesEvery", "5"}}, 50, "grab_failed=10 ", 50},
-        {"two after each tenth are missing", {{"LostFramesEvery", "10"}, {"LostFramesNumber", "2"}}, 50, "?", 0},
+        {"good frames", {}, "", limit},
+        {"each fifth fails", {{"FailedFramesEvery", "5"}}, "grab_failed=10 ", limit},
+        // Not those after the last one, which would be seen with the next.
+        {"two after each tenth are missing",
+         {{"LostFramesEvery", "10"}, {"LostFramesNumber", "2"}},
+         "frames_missed=8 ",
+         limit + 8},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        Recipe recipe(pool);
+        const auto fresh = std::make_shared<Nivex::CEmulatedCameraBackend>(1);
+        Recipe recipe(std::make_shared<Runtime::ResourcePool>(4, Runtime::ResourcePool::CameraBackends{fresh}));
         recipe.allocate();
         set(*recipe.camera, "@CameraDevice", "AcquisitionFrameRateEnable", "false");
         for (const auto& [name, value] : row.settings)
             set(*recipe.camera, "@CameraDevice", name, value);
         std::atomic<std::uint64_t> images = 0;
         recipe.sink->step = [&](Core::PinValues&) { ++images; };
-        recipe.graph.setUpdateLimit(row.limit);
+        recipe.graph.setUpdateLimit(limit);
         recipe.graph.start();
         EXPECT_EQ(recipe.graph.wait(std::chrono::seconds(60), {}), Runtime::Graph::Event::LimitReached);
         recipe.graph.stop();
         const Runtime::RunStatistics statistics = recipe.graph.getStatistics();
         expectBalance(statistics);
-        EXPECT_EQ(images, row.limit);
-        const std::uint64_t missed = statistics.lost[static_cast<std::size_t>(Core::LossCause::FramesMissed)];
-        if (row.offered == 0) {
-            EXPECT_EQ(lossesOf(statistics.lost), "frames_missed=" + std::to_string(missed) + " ");
-            EXPECT_GE(missed, 8U);
-            EXPECT_EQ(statistics.offered, row.limit + missed);
-        } else {
-            EXPECT_EQ(lossesOf(statistics.lost), row.losses);
-            EXPECT_EQ(statistics.offered, row.offered);
-        }
-        EXPECT_EQ(lossesOf(statistics.nodes[0].lost), lossesOf(statistics.lost));
-        recipe.graph.free();
-        Camera reset(pool);
-        reset.allocateResources();
-        for (const char* fault : {"FailedFramesEvery", "LostFramesEvery"})
-            set(reset, "@CameraDevice", fault, "0");
+        EXPECT_EQ(images, limit);
+        EXPECT_EQ(statistics.offered, row.offered);
+        EXPECT_EQ(lossesOf(statistics.lost), row.losses);
+        EXPECT_EQ(lossesOf(statistics.nodes[0].lost), row.losses);
     }
 }
 
