@@ -152,8 +152,9 @@ std::string FeatureReader::Apply(const Line& line) const
 void FeatureReader::NoteFailure(const Line& line, const std::string& cause)
 {
     if (++failures_ > maxListed) return;
-    listed_ += "\nline " + std::to_string(line.number) + ": " + shown(line.name, maxQuoted) + " = \"" +
-               shown(line.value, maxQuoted) + "\": " + shown(cause, maxCause);
+    const std::string value = line.hasTab ? " = \"" + shown(line.value, maxQuoted) + "\"" : "";
+    listed_ += "\nline " + std::to_string(line.number) + ": " + shown(line.name, maxQuoted) + value + ": " +
+               shown(cause, maxCause);
 }
 
 }  // namespace Nivex

@@ -136,7 +136,7 @@ TEST_F(Settings, LinesThatFailAreListedAndTheOthersApplied)
     EXPECT_EQ(Value("Gain"), "3");
     EXPECT_EQ(text.find("6 of 7 lines could not be applied:\nline 1: Width"), 0U) << text;
     for (const char* part :
-         {"line 1: Width = \"\": there is no tab", "line 2: Nowhere = \"1\": there is no feature",
+         {"line 1: Width: there is no tab", "line 2: Nowhere = \"1\": there is no feature",
           "line 4: Exposure = \"1e9\": ", "line 5: AcquisitionStart = \"1\": the feature is no setting",
           "line 6: Fixed = \"2\": ", "line 7: Channel = \"Green\": "})
         EXPECT_NE(text.find(part), std::string::npos) << part << " in " << text;
