@@ -367,6 +367,9 @@ TEST_F(CameraParametersTest, SettingsComeBack)
     wrong->setString("FixCorruptImages", "on");
     EXPECT_EQ(refusal<GenICam::InvalidArgumentException>([&] { node.loadSettings(wrong); }),
               "FixCorruptImages is \"on\", but must be one of \"On\", \"Off\".");
+    wrong->setString("FeatureStreams", "Gain = 3");
+    EXPECT_THAT(refusal<GenICam::RuntimeException>([&] { node.loadSettings(wrong); }),
+                HasSubstr("\"FeatureStreams\""));
 }
 
 TEST_F(CameraParametersTest, NeedsAPool)

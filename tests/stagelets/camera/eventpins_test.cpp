@@ -7,6 +7,7 @@
 
 #include "base/instantcamera.h"
 
+#include "camera/eventdatanames.h"
 #include "core/values.h"
 #include "framework/logcapture.h"
 #include "sdk/camera/fakebackend.h"
@@ -97,6 +98,15 @@ protected:
     const gcstring good = "B.Type=Integer.EventName=End.ValueName=EventData";
     const std::string goodValue = "B=1075838976";
 };
+
+TEST(EventDataNamesTest, KnowsTheCamerasSpellings)
+{
+    EXPECT_EQ(eventDataCode("EventAcquistionWaitData"), 3U);
+    EXPECT_EQ(eventDataCode("EventFrameTimeouTimestamp"), 15U);
+    EXPECT_EQ(eventDataCode("EventVirtualLine4RisingEdgeTimestamp"), 32U);
+    for (const char* name : {"EventFrameTimeoutTimestamp", "eventTestData", "EventTestDat", ""})
+        EXPECT_EQ(eventDataCode(name), std::nullopt) << name;
+}
 
 TEST_F(EventPinsTest, ReadsOnePinPerLine)
 {
