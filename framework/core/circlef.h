@@ -11,8 +11,8 @@ struct CircleFData
     double radius = 0.0;
 };
 
-/// A circle, in pixels. All access to the parts
-/// raises RuntimeException if it holds an error, and so does building it from points that hold one.
+/// A circle, in pixels. All access to the parts raises RuntimeException if it holds an error, and so does building
+/// it from points that hold one.
 class GENICAM_API CircleF : public DataValue<CircleFData>
 {
 public:

@@ -13,8 +13,8 @@ struct EllipseFData
     double rotation = 0.0;
 };
 
-/// An ellipse, in pixels, its first axis turned by the rotation, in radians. All access to the parts
-/// raises RuntimeException if it holds an error, and so does building it from points that hold one.
+/// An ellipse, in pixels, its first axis turned by the rotation, in radians. All access to the parts raises
+/// RuntimeException if it holds an error, and so does building it from points that hold one.
 class GENICAM_API EllipseF : public DataValue<EllipseFData>
 {
 public:

@@ -11,8 +11,8 @@ struct LineFData
     PointF pointB;
 };
 
-/// A line between two points, in pixels. All access to the parts
-/// raises RuntimeException if it holds an error, and so does building it from points that hold one.
+/// A line between two points, in pixels. All access to the parts raises RuntimeException if it holds an error, and
+/// so does building it from points that hold one.
 class GENICAM_API LineF : public DataValue<LineFData>
 {
 public:

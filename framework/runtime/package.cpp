@@ -36,10 +36,14 @@ using LibraryHandle = std::unique_ptr<void, CloseLibrary>;
 LibraryHandle openLibrary(const std::string& file)
 {
     // A path, so that the loader does not search its own folders.
-    LibraryHandle handle(dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL));
+    std::error_code error;
+    const std::string path = std::filesystem::absolute(file, error).string();
+    if (error) refuse(file, error.message());
+    LibraryHandle handle(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
     if (!handle) {
-        const char* cause = dlerror();  // NOLINT(concurrency-mt-unsafe): per thread in the platform's C library
-        refuse(file, cause ? cause : "unknown cause");
+        const char* told = dlerror();  // NOLINT(concurrency-mt-unsafe): per thread in the platform's C library
+        const std::string cause = told ? told : "unknown cause";
+        refuse(file, cause.starts_with(path + ": ") ? cause.substr(path.size() + 2) : cause);
     }
     return handle;
 }

@@ -56,12 +56,21 @@ ThreadPool::ThreadPool(std::size_t threadCount)
 {
     if (threadCount == 0) threadCount = std::max(2U, std::thread::hardware_concurrency());
     threads_.reserve(threadCount);
-    for (std::size_t i = 0; i < threadCount; ++i) {
-        threads_.emplace_back([this] { runThread(); });
+    try {
+        for (std::size_t i = 0; i < threadCount; ++i)
+            threads_.emplace_back([this] { runThread(); });
+    } catch (...) {
+        end();  // Those that came would end the process, were they left alone.
+        throw;
     }
 }
 
 ThreadPool::~ThreadPool()
+{
+    end();
+}
+
+void ThreadPool::end()
 {
     {
         std::lock_guard lock(mutex_);

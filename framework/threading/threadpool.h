@@ -41,7 +41,8 @@ private:
 class GENICAM_API ThreadPool
 {
 public:
-    /// `threadCount` 0 means the number of cores, but at least two.
+    /// `threadCount` 0 means the number of cores, but at least two. Raises std::system_error if the system gives
+    /// no more threads.
     explicit ThreadPool(std::size_t threadCount = 0);
     ~ThreadPool();
     ThreadPool(const ThreadPool&) = delete;
@@ -56,6 +57,7 @@ public:
 
 private:
     void runThread();
+    void end();
 
     std::mutex mutex_;  // guards queue_, idle_ and ending_
     std::condition_variable wake_;

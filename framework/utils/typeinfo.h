@@ -11,6 +11,7 @@ namespace Nivex::DataProcessing::Utils {
 
 class PropertyInfo;
 class Variant;
+
 /// Names a type at run time, the same in all shared libraries of the process, without the compiler's type records.
 /// A handle, copied freely, usable from any thread. It stays valid when the library that registered the type is
 /// unloaded; the type is then no longer registered, and registered again if the library comes back.
@@ -93,8 +94,8 @@ public:
     static ITypeRegistration& getTypeRegistration();
 
     /// Registers a type under its identifier and gives its record. Of several registrations of one type, the first
-    /// one counts until it ends. `owner` is any address that tells this
-    /// registration from others. Null for an empty name or without memory.
+    /// one counts until it ends. `owner` is any address that tells this registration from others. Null for an
+    /// empty name or without memory.
     static ITypeInfoData* createTypeInfoData(const char* name, std::size_t size, Factory factory,
                                              const void* owner) noexcept;
     /// Ends the owner's registration. Nothing that it said is used afterwards.

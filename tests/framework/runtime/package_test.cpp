@@ -70,7 +70,8 @@ TEST(Package, FaultsNameFileAndCause)
         std::string file;
         const char* cause;
     } cases[] = {
-        {"/nowhere/package.so", "No such file"},
+        {"", "cannot be loaded: Invalid argument"},
+        {"/nowhere/package.so", "loaded: cannot open shared object file: No such file"},
         {__FILE__, "cannot be loaded"},
         {STAGELET_LIB_DIR "/libGCBase.so", "no entry point \"get_InterfaceVersion\""},
         {fakeFile("version"), "Its interface version is 3; this host speaks version 2."},
