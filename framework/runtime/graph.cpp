@@ -21,12 +21,18 @@ Clock::time_point endOf(std::chrono::nanoseconds time)
     return time.count() > 0 && time < Bell::never - now ? now + time : Bell::never;
 }
 
+/// The type of a node's pin; `kind` is the error if there is none of that name.
 template <typename Pin>
-const Pin* findPin(const std::vector<Pin>& pins, const std::string& name)
+Utils::TypeInfo requirePin(const std::vector<Pin>& pins, ConnectionError::Kind kind, const std::string& node,
+                           const std::string& name)
 {
     const auto found =
         std::find_if(pins.begin(), pins.end(), [&](const Pin& pin) { return pin.getName() == name.c_str(); });
-    return found == pins.end() ? nullptr : &*found;
+    if (found == pins.end()) {
+        const char* direction = kind == ConnectionError::Kind::UnknownOutput ? "output" : "input";
+        throw ConnectionError(kind, "The node \"" + node + "\" has no " + direction + " \"" + name + "\".");
+    }
+    return found->getType();
 }
 
 }  // namespace
@@ -89,6 +95,27 @@ struct Graph::Private
         const auto found =
             std::find_if(nodes.begin(), nodes.end(), [&](const auto& node) { return node->name == name; });
         return static_cast<std::size_t>(found - nodes.begin());
+    }
+
+    std::size_t requireNode(const std::string& name) const
+    {
+        const std::size_t number = numberOf(name);
+        if (number == nodes.size()) {
+            throw ConnectionError(ConnectionError::Kind::UnknownNode, "There is no node \"" + name + "\".");
+        }
+        return number;
+    }
+
+    void requireFree(std::size_t node, const std::string& input) const
+    {
+        const auto taken = std::find_if(connections.begin(), connections.end(), [&](const Connection& connection) {
+            return connection.to == node && connection.input == input;
+        });
+        if (taken == connections.end()) return;
+        throw ConnectionError(ConnectionError::Kind::PinTaken, "The input \"" + nodes[node]->name + "." + input +
+                                                                   "\" is connected to \"" +
+                                                                   nodes[taken->from]->name + "." + taken->output +
+                                                                   "\" already; an input takes one connection.");
     }
 
     void requireIdle(const char* what) const
@@ -170,49 +197,30 @@ void Graph::connect(const std::string& fromNode, const std::string& output, cons
 {
     using Kind = ConnectionError::Kind;
     private_->requireIdle("connecting pins");
-    const std::string from = fromNode + "." + output;
-    const std::string to = toNode + "." + input;
+    const std::size_t from = private_->requireNode(fromNode);
+    const std::size_t to = private_->requireNode(toNode);
+    NodeBase& source = *private_->nodes[from]->handle;
+    NodeBase& target = *private_->nodes[to]->handle;
+    const auto outputType = requirePin(source.getOutputDescriptors(), Kind::UnknownOutput, fromNode, output);
+    const auto inputType = requirePin(target.getInputDescriptors(), Kind::UnknownInput, toNode, input);
+    private_->requireFree(to, input);
 
-    NodeBase* source = findNode(fromNode);
-    if (!source) throw ConnectionError(Kind::UnknownNode, "There is no node \"" + fromNode + "\".");
-    NodeBase* target = findNode(toNode);
-    if (!target) throw ConnectionError(Kind::UnknownNode, "There is no node \"" + toNode + "\".");
-
-    const auto outputs = source->getOutputDescriptors();
-    const auto* outputPin = findPin(outputs, output);
-    if (!outputPin)
-        throw ConnectionError(Kind::UnknownOutput,
-                              "The node \"" + fromNode + "\" has no output \"" + output + "\".");
-    const auto inputs = target->getInputDescriptors();
-    const auto* inputPin = findPin(inputs, input);
-    if (!inputPin)
-        throw ConnectionError(Kind::UnknownInput, "The node \"" + toNode + "\" has no input \"" + input + "\".");
-
-    const std::size_t toNumber = private_->numberOf(toNode);
-    for (const auto& connection : private_->connections) {
-        if (connection.to == toNumber && connection.input == input) {
-            throw ConnectionError(Kind::PinTaken, "The input \"" + to + "\" is connected to \"" +
-                                                      private_->nodes[connection.from]->name + "." +
-                                                      connection.output +
-                                                      "\" already; an input takes one connection.");
-        }
+    const std::string outputText = "\"" + fromNode + "." + output + "\"";
+    const std::string inputText = "\"" + toNode + "." + input + "\"";
+    if (private_->topology.reaches(to, from)) {
+        throw ConnectionError(Kind::Cycle, "Connecting " + outputText + " to " + inputText + " closes a cycle.");
     }
-    const std::size_t fromNumber = private_->numberOf(fromNode);
-    if (private_->topology.reaches(toNumber, fromNumber)) {
-        throw ConnectionError(Kind::Cycle, "Connecting \"" + from + "\" to \"" + to + "\" closes a cycle.");
-    }
-    const Utils::TypeInfo outputType = outputPin->getType();
-    const bool isVariable = target->canConfigure(input.c_str());
-    if (!isVariable && (!outputType.isValid() || !outputType.canConvert(inputPin->getType()))) {
-        throw ConnectionError(Kind::TypeMismatch, "The output \"" + from + "\" gives " +
-                                                      outputType.getName().str() + ", which the input \"" + to +
-                                                      "\" does not take; it takes " +
-                                                      inputPin->getType().getName().str() + ".");
+    const bool isVariable = target.canConfigure(input.c_str());
+    if (!isVariable && (!outputType.isValid() || !outputType.canConvert(inputType))) {
+        throw ConnectionError(Kind::TypeMismatch, "The output " + outputText + " gives " +
+                                                      outputType.getName().str() + ", which the input " +
+                                                      inputText + " does not take; it takes " +
+                                                      inputType.getName().str() + ".");
     }
     NodeBase::Handle binding;
-    if (isVariable && outputType.isValid()) binding = target->configureInputType(input.c_str(), outputType);
-    private_->connections.push_back({fromNumber, output, toNumber, input, std::move(binding)});
-    private_->topology.addEdge(fromNumber, toNumber);
+    if (isVariable && outputType.isValid()) binding = target.configureInputType(input.c_str(), outputType);
+    private_->connections.push_back({from, output, to, input, std::move(binding)});
+    private_->topology.addEdge(from, to);
 }
 
 void Graph::Private::freeNode(Node* node)

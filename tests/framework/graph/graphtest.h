@@ -153,10 +153,14 @@ Node& add(Runtime::Graph& graph, const std::string& name, std::unique_ptr<Node> 
     return reference;
 }
 
-inline StepNode& addStep(Runtime::Graph& graph, const std::string& name, const Names& inputs, const Names& outputs,
-                         StepNode::Step step)
+/// A node with an output "Out" and an input for each of `sources`: it has the source's name and is connected to
+/// "Out" of it.
+inline StepNode& addStep(Runtime::Graph& graph, const std::string& name, const Names& sources, StepNode::Step step)
 {
-    return add(graph, name, std::make_unique<StepNode>(inputs, outputs, std::move(step)));
+    StepNode& node = add(graph, name, std::make_unique<StepNode>(sources, Names{"Out"}, std::move(step)));
+    for (const std::string& source : sources)
+        graph.connect(source, "Out", name, source);
+    return node;
 }
 
 inline std::uint64_t sum(const Core::LossCounts& lost)

@@ -18,6 +18,7 @@ namespace {
 TEST(Ledger, AnUpdateHasOneOutcomeByItsFirstFailure)
 {
     using Causes = std::vector<LossCause>;
+    using enum LossCause;
     // What two nodes report for an update, in order, and what becomes of it.
     const struct
     {
@@ -29,37 +30,27 @@ TEST(Ledger, AnUpdateHasOneOutcomeByItsFirstFailure)
     } rows[] = {
         {"nothing", {}, {}, false, {}},
         {"recorded", {}, {}, true, {}},
-        {"failure", {}, {LossCause::FileNotWritten}, false, LossCause::FileNotWritten},
-        {"failure beside a record", {}, {LossCause::FileNotWritten}, true, LossCause::FileNotWritten},
-        {"first of two",
-         {LossCause::ConversionFailed},
-         {LossCause::InvalidInput},
-         false,
-         LossCause::ConversionFailed},
-        {"rule", {}, {LossCause::RefusedByRule}, false, LossCause::RefusedByRule},
-        {"rule, but recorded elsewhere", {LossCause::RefusedByRule}, {}, true, {}},
-        {"rule before failure",
-         {LossCause::RefusedByRule},
-         {LossCause::EncoderFailed},
-         false,
-         LossCause::EncoderFailed},
+        {"failure", {}, {FileNotWritten}, false, FileNotWritten},
+        {"failure beside a record", {}, {FileNotWritten}, true, FileNotWritten},
+        {"first of two", {ConversionFailed}, {InvalidInput}, false, ConversionFailed},
+        {"rule", {}, {RefusedByRule}, false, RefusedByRule},
+        {"rule, but recorded elsewhere", {RefusedByRule}, {}, true, {}},
+        {"rule before failure", {RefusedByRule}, {EncoderFailed}, false, EncoderFailed},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         Runtime::Graph graph(std::make_shared<Pool>(2));
         Source& source = add(graph, "Source", std::make_unique<Source>());
-        addStep(graph, "First", {"In"}, {"Out"}, [&](StepNode& n) {
+        addStep(graph, "First", {"Source"}, [&](StepNode& n) {
             for (const LossCause cause : row.first)
                 n.reportLoss(cause);
             n.put(0, 1);
         });
-        addStep(graph, "Second", {"In"}, {}, [&](StepNode& n) {
+        addStep(graph, "Second", {"First"}, [&](StepNode& n) {
             if (row.recorded) n.reportRecorded(1, 10);
             for (const LossCause cause : row.second)
                 n.reportLoss(cause);
         });
-        graph.connect("Source", "Out", "First", "In");
-        graph.connect("First", "Out", "Second", "In");
         graph.start();
         source.push(1);
         graph.stop();
@@ -76,18 +67,19 @@ TEST(Ledger, AnUpdateHasOneOutcomeByItsFirstFailure)
 
 TEST(Ledger, UpdatesThatNeverStartAndFramesThatNeverCameAreCounted)
 {
+    using enum LossCause;
     Runtime::Graph graph(std::make_shared<Pool>(2));
     Source& source = add(graph, "Source", std::make_unique<Source>());
     graph.start();
     source.makeUpdate().reset();
     auto failed = source.makeUpdate();
-    source.reportLoss(LossCause::GrabFailed, failed.get());
+    source.reportLoss(GrabFailed, failed.get());
     failed.reset();
-    source.reportMissed(LossCause::FramesMissed, 5);
-    source.reportLoss(LossCause::LoadFailed);
+    source.reportMissed(FramesMissed, 5);
+    source.reportLoss(LoadFailed);
     auto inHand = source.makeUpdate();
     auto failedInHand = source.makeUpdate();
-    source.reportLoss(LossCause::GrabFailed, failedInHand.get());
+    source.reportLoss(GrabFailed, failedInHand.get());
     EXPECT_EQ(graph.getStatistics().inFlight, 2U);
     graph.stop();
     EXPECT_FALSE(source.waitUntilSpaceAvailable());
@@ -97,11 +89,8 @@ TEST(Ledger, UpdatesThatNeverStartAndFramesThatNeverCameAreCounted)
     const auto statistics = graph.getStatistics();
     EXPECT_EQ(statistics.offered, 10U);
     EXPECT_EQ(statistics.finished, 0U);
-    const std::pair<LossCause, std::uint64_t> wanted[] = {{LossCause::SourceFailed, 1},
-                                                          {LossCause::GrabFailed, 2},
-                                                          {LossCause::FramesMissed, 5},
-                                                          {LossCause::LoadFailed, 1},
-                                                          {LossCause::NoSpace, 1}};
+    const std::pair<LossCause, std::uint64_t> wanted[] = {
+        {SourceFailed, 1}, {GrabFailed, 2}, {FramesMissed, 5}, {LoadFailed, 1}, {NoSpace, 1}};
     for (const auto& [cause, count] : wanted) {
         SCOPED_TRACE(Core::lossCauseNames[static_cast<std::size_t>(cause)]);
         EXPECT_EQ(of(statistics.lost, cause), count);
@@ -130,7 +119,7 @@ TEST(Ledger, IsExactInRandomRunsWithFaults)
         for (std::size_t i = 0; i < steps; ++i) {
             const std::string name = "Step" + std::to_string(i);
             const auto dice = std::make_shared<std::mt19937>(seed * 100 + static_cast<unsigned>(i));
-            addStep(graph, name, {"A", "B"}, {"Out"}, [&threw, &reported, i, dice](StepNode& n) {
+            const auto step = [&threw, &reported, i, dice](StepNode& n) {
                 const auto chance = (*dice)() % 100;
                 if (chance < 5) {
                     ++threw[i];
@@ -141,7 +130,8 @@ TEST(Ledger, IsExactInRandomRunsWithFaults)
                     n.reportLoss(chance < 10 ? LossCause::FileNotWritten : LossCause::RefusedByRule);
                 }
                 if (chance < 80) n.put(0, std::max(n.get(0), n.get(1)));
-            });
+            };
+            add(graph, name, std::make_unique<StepNode>(Names{"A", "B"}, Names{"Out"}, step));
             graph.connect(outputs[random() % outputs.size()], "Out", name, "A");
             graph.connect(outputs[random() % outputs.size()], "Out", name, "B");
             outputs.push_back(name);

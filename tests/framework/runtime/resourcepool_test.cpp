@@ -2,11 +2,12 @@
 
 #include <gmock/gmock.h>
 
-#include <condition_variable>
-#include <set>
+#include <future>
 #include <thread>
 
 #include "gcbase/exception.h"
+
+#include "base/emulation/emulatedbackend.h"
 
 #include "core/ideviceresource.h"
 #include "core/ivalue.h"
@@ -30,38 +31,7 @@ CInfoBase bagOf(const Properties& properties)
     return bag;
 }
 
-/// Nothing but the reservation of a camera.
-class FakeDevice : public INivexDevice
-{
-public:
-    FakeDevice(CDeviceInfo info, std::shared_ptr<std::set<std::string>> reserved)
-        : info_(std::move(info)), reserved_(std::move(reserved))
-    {
-        reserved_->insert(info_.GetFullName().str());
-    }
-    ~FakeDevice() override { reserved_->erase(info_.GetFullName().str()); }
-
-    const CDeviceInfo& GetDeviceInfo() const override { return info_; }
-    void Open(IDeviceListener&) override {}
-    void Close() noexcept override {}
-    bool IsOpen() const override { return false; }
-    bool IsRemoved() const override { return false; }
-    GenApi::NodeMapPtr GetNodeMap() const override { return {}; }
-    GenApi::NodeMapPtr GetTLNodeMap() const override { return {}; }
-    GenApi::NodeMapPtr GetStreamGrabberNodeMap() const override { return {}; }
-    GenApi::NodeMapPtr CreateChunkNodeMap() const override { return {}; }
-    ETrailerByteOrder GetTrailerByteOrder() const override { return ETrailerByteOrder::LittleEndian; }
-    std::size_t GetPayloadSize() const override { return 0; }
-    void StartStream(IStreamSink&) override {}
-    void StopStream() noexcept override {}
-    void QueueBuffer(const SStreamBuffer&) override {}
-
-private:
-    const CDeviceInfo info_;
-    const std::shared_ptr<std::set<std::string>> reserved_;
-};
-
-/// Cameras as the test says; fails where it says so.
+/// Cameras as the test says, all in use; fails where it says so.
 class FakeBackend : public ICameraBackend
 {
 public:
@@ -81,15 +51,15 @@ public:
         if (isBroken) GENICAM_THROW(RuntimeException, "The network is down.");
         return found;
     }
-    bool IsDeviceAccessible(const CDeviceInfo& device) override
+    bool IsDeviceAccessible(const CDeviceInfo&) override
     {
         if (isBroken) GENICAM_THROW(RuntimeException, "The network is down.");
-        return !reserved_->contains(device.GetFullName().str());
+        return false;
     }
     std::unique_ptr<INivexDevice> CreateDevice(const CDeviceInfo& device) override
     {
-        if (!IsDeviceAccessible(device)) return nullptr;
-        return std::make_unique<FakeDevice>(device, reserved_);
+        IsDeviceAccessible(device);
+        return nullptr;
     }
 
     std::atomic<int> looks{0};
@@ -98,7 +68,6 @@ public:
 
 private:
     std::vector<CDeviceInfo> cameras_;
-    const std::shared_ptr<std::set<std::string>> reserved_ = std::make_shared<std::set<std::string>>();
 };
 
 const Properties left = {
@@ -168,19 +137,24 @@ TEST_F(ResourcePoolTest, GivesCamerasThatHoldAllThatIsWanted)
 
 TEST_F(ResourcePoolTest, ADeviceReservesItsCameraAsLongAsItLives)
 {
-    auto device = camera("A#1")->getDevice();
+    ResourcePool emulated(1, {std::make_shared<CEmulatedCameraBackend>(2)});
+    const Resources found = emulated.query(deviceType, {});
+    ASSERT_EQ(found.size(), 2U);
+    auto& reserved = dynamic_cast<Core::IDeviceResource&>(*found.begin()->second);
+    auto device = reserved.getDevice();
     ASSERT_TRUE(device);
-    EXPECT_EQ(device->GetDeviceInfo().GetSerialNumber(), "1");
-    EXPECT_FALSE(camera("A#1")->isFree());
-    EXPECT_FALSE(camera("A#1")->getDevice());
-    EXPECT_TRUE(camera("A#2")->isFree());
+    EXPECT_EQ(Core::ResourceInfo(device->GetDeviceInfo()).getInfo(), found.begin()->first.getInfo());
+    EXPECT_FALSE(reserved.isFree());
+    EXPECT_FALSE(reserved.getDevice());
+    EXPECT_TRUE(dynamic_cast<Core::IDeviceResource&>(*found.rbegin()->second).isFree());
     device.reset();
-    EXPECT_TRUE(camera("A#1")->isFree());
+    EXPECT_TRUE(reserved.isFree());
 
+    const auto silent = camera("A#1");
     const ScopedLogCapture log;
     first->isBroken = true;
-    EXPECT_FALSE(camera("A#1")->isFree());
-    EXPECT_THROW(camera("A#1")->getDevice(), GenICam::RuntimeException);
+    EXPECT_FALSE(silent->isFree());
+    EXPECT_THROW(silent->getDevice(), GenICam::RuntimeException);
     EXPECT_THAT(log.messages(), ElementsAre(HasSubstr("\"A#1\" is free. Message: The network is down.")));
 }
 
@@ -214,7 +188,7 @@ TEST_F(ResourcePoolTest, RefreshTellsOfChangesAndKeepsWhatStayed)
     EXPECT_THAT(namesOf(query()), ElementsAre("A#2", "A#3", "B#1"));
     EXPECT_EQ(camera("A#2"), stays);
     EXPECT_EQ(namesOf(query({{"UserDefinedName", "Belt"}})), std::vector<std::string>{"A#2"});
-    EXPECT_TRUE(goes->isFree()) << "it answers, whoever keeps it";
+    EXPECT_FALSE(goes->isFree()) << "it answers, whoever keeps it";
 }
 
 TEST_F(ResourcePoolTest, ABackEndThatFailsTakesNothingFromTheOthers)
@@ -236,30 +210,19 @@ TEST_F(ResourcePoolTest, ABackEndThatFailsTakesNothingFromTheOthers)
 TEST_F(ResourcePoolTest, TheYoungestLookCounts)
 {
     query();
-    std::mutex mutex;
-    std::condition_variable wake;
-    bool isLooking = false;
-    bool mayEnd = false;
+    std::promise<void> looking;
+    std::promise<void> mayEnd;
     first->duringLook = [&] {
-        std::unique_lock lock(mutex);
-        isLooking = true;
-        wake.notify_all();
-        wake.wait(lock, [&] { return mayEnd; });
+        looking.set_value();
+        mayEnd.get_future().wait();
     };
     std::thread late([&] { pool.refresh(deviceType); });
-    {
-        std::unique_lock lock(mutex);
-        wake.wait(lock, [&] { return isLooking; });
-    }
+    looking.get_future().wait();
     first->duringLook = {};
     first->plug({});
     EXPECT_EQ(query().size(), 3U) << "a query waits for no look";
     pool.refresh(deviceType);
-    {
-        const std::lock_guard guard(mutex);
-        mayEnd = true;
-        wake.notify_all();
-    }
+    mayEnd.set_value();
     late.join();
     EXPECT_THAT(namesOf(query()), ElementsAre("B#1"));
 }

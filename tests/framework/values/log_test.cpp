@@ -31,17 +31,16 @@ TEST(LogTest, EntriesReachTheSinkRendered)
 TEST(LogTest, LevelsFilterAllChannelsOrOne)
 {
     ScopedLogCapture log;
-    struct Case
+    const struct
     {
         int general;
         int ofA;  ///< -1: none of its own.
         std::vector<std::string> passed;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {7, -1, {"a4", "a7", "b4", "b7"}}, {4, -1, {"a4", "b4"}}, {3, -1, {}},
         {4, 7, {"a4", "a7", "b4"}},        {7, 0, {"b4", "b7"}},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         setLogLevel(c.general);
         if (c.ofA >= 0) setLogLevel("test.level.a", c.ofA);
         for (const char* name : {"a", "b"}) {
@@ -117,19 +116,18 @@ TEST(LogTest, StandsManyThreads)
 
 TEST(HelperTest, WorksOnAsciiOnly)
 {
-    struct Case
+    const struct
     {
         const char* text;
         const char* upper;
         const char* trimmed;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"", "", ""},
         {" \t\r\n\v\f", " \t\r\n\v\f", ""},
         {" a b\n", " A B\n", "a b"},
         {"z{`\xC3\xA4", "Z{`\xC3\xA4", "z{`\xC3\xA4"},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         EXPECT_EQ(Helper::toUpper(c.text), c.upper);
         EXPECT_EQ(Helper::trim(c.text), c.trimmed);
     }

@@ -53,14 +53,10 @@ TEST_F(SignalTest, PassesArgumentsToEachSlot)
 {
     Signal<void(const std::string&, int), VoidCombiner> signal;
     std::string text;
-    for (int i = 0; i < 2; ++i) {
-        signal.connect([&](const std::string& part, int count) {
-            for (int n = 0; n < count; ++n)
-                text += part;
-        });
-    }
+    for (int i = 0; i < 2; ++i)
+        signal.connect([&](const std::string& part, int count) { text += part + std::to_string(count); });
     signal("ab", 2);
-    EXPECT_EQ(text, "abababab");
+    EXPECT_EQ(text, "ab2ab2");
 }
 
 TEST_F(SignalTest, SlotsMayChangeTheListWhileItIsWalked)
@@ -106,18 +102,17 @@ TEST_F(SignalTest, OtherThreadsMayChangeTheListWhileItIsWalked)
 
 TEST_F(SignalTest, AThrowingSlotStopsNobodyAndLeavesOneLine)
 {
-    struct Case
+    const struct
     {
         std::function<void()> slot;
         const char* tail;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {[] { GENICAM_THROW(RuntimeException, "100%% broken"); },
          ": Exception caught while invoking a slot. Message: 100% broken"},
         {[] { throw std::out_of_range("gone %s"); }, ": Exception caught while invoking a slot. Message: gone %s"},
         {[] { throw 1; }, ": Unknown exception caught while invoking a slot."},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         ScopedLogCapture log;
         const ScopedConnection first(signal_.connect(note(1)));
         const ScopedConnection second(signal_.connect(c.slot));

@@ -96,17 +96,11 @@ TEST(TypeIdentifier, IsSpelledAlikeByAllCompilers)
 
 TEST(TypeConversion, FollowsBasesAndSharedForms)
 {
-    struct Case
-    {
-        TypeInfo from;
-        TypeInfo to;
-        bool converts;
-    };
     const auto image = TypeInfo::get<Image>();
     const auto sharedImage = TypeInfo::get<COWPtr<Image>>();
     const auto images = TypeInfo::get<Array<Image>>();
     const auto value = TypeInfo::get<IValue>();
-    const Case cases[] = {
+    const std::tuple<TypeInfo, TypeInfo, bool> cases[] = {
         {image, image, true},
         {image, sharedImage, true},
         {sharedImage, image, true},
@@ -124,9 +118,8 @@ TEST(TypeConversion, FollowsBasesAndSharedForms)
         {TypeInfo(), image, false},
         {TypeInfo(), TypeInfo(), false},
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(c.from.canConvert(c.to), c.converts) << c.from.getName() << " to " << c.to.getName();
-    }
+    for (const auto& [from, to, converts] : cases)
+        EXPECT_EQ(from.canConvert(to), converts) << from.getName() << " to " << to.getName();
     EXPECT_FALSE(image == sharedImage);
     EXPECT_TRUE(
         image ==
@@ -222,21 +215,12 @@ TEST(TypeProperties, AreFoundByPath)
 
 TEST(TypeProperties, PathsSplitAtTheFirstDot)
 {
-    struct Case
-    {
-        const char* path;
-        bool split;
-        const char* head;
-        const char* rest;
-    };
-    for (const Case& c :
-         {Case{"A", false, "A", ""}, {"A.B.C", true, "A", "B.C"}, {".", true, "", ""}, {"", false, "", ""}})
-    {
+    for (const std::array<const char*, 3> c : {std::array{"A", "A", ""}, {"A.B.C", "A", "B.C"}, {".", "", ""}}) {
         std::string_view head = "?";
         std::string_view rest = "?";
-        EXPECT_EQ(TypeInfo::splitPath(c.path, head, rest), c.split) << c.path;
-        EXPECT_EQ(head, c.head) << c.path;
-        EXPECT_EQ(rest, c.rest) << c.path;
+        EXPECT_EQ(TypeInfo::splitPath(c[0], head, rest), std::string_view(c[0]) != "A") << c[0];
+        EXPECT_EQ(head, c[1]) << c[0];
+        EXPECT_EQ(rest, c[2]) << c[0];
     }
 }
 

@@ -28,21 +28,20 @@ std::shared_ptr<IError> makeError(const char* text)
 
 TEST(IntegerTest, KeepsSignednessAndAllBits)
 {
-    struct Case
+    const struct
     {
         Integer value;
         bool isSigned;
         std::int64_t asSigned;
         std::uint64_t asUnsigned;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {Integer(), true, 0, 0},
         {Integer(-1), true, -1, ~0ULL},
         {Integer(std::numeric_limits<long>::min()), true, std::numeric_limits<long>::min(), 1ULL << 63},
         {Integer(~0UL), false, -1, ~0ULL},
         {Integer(7U), false, 7, 7},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         EXPECT_EQ(c.value.isSigned(), c.isSigned);
         EXPECT_EQ(c.value.getSigned(), c.asSigned);
         EXPECT_EQ(c.value.getUnsigned(), c.asUnsigned);
