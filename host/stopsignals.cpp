@@ -16,12 +16,16 @@ namespace Host {
 
 namespace {
 
+/// Without SIGHUP if whoever started the process has it ignored, as nohup does.
 sigset_t stopSet()
 {
     sigset_t set;
     sigemptyset(&set);
     sigaddset(&set, SIGINT);
     sigaddset(&set, SIGTERM);
+    struct sigaction hangUp = {};
+    sigaction(SIGHUP, nullptr, &hangUp);
+    if (hangUp.sa_handler != SIG_IGN) sigaddset(&set, SIGHUP);
     return set;
 }
 
@@ -66,15 +70,20 @@ void StopSignals::watch()
             return;
         }
         signalfd_siginfo info{};
-        if ((sources[0].revents & POLLIN) != 0 && read(signals_, &info, sizeof info) > 0) handleSignal();
+        if ((sources[0].revents & POLLIN) != 0 && read(signals_, &info, sizeof info) > 0) {
+            handleSignal(static_cast<int>(info.ssi_signo));
+        }
         if (sources[1].revents != 0) return;
     }
 }
 
-void StopSignals::handleSignal()
+void StopSignals::handleSignal(int number)
 {
-    // Before the lock, which an action that hangs would hold.
-    if (hasCome_.exchange(true)) _exit(static_cast<int>(ExitCode::ForcedEnd));
+    if (hasCome_.exchange(true)) {
+        // Before the lock, which an action that hangs would hold.
+        if (number == SIGINT) _exit(static_cast<int>(ExitCode::ForcedEnd));
+        return;
+    }
     const std::lock_guard guard(mutex_);
     callAction();
 }

@@ -7,9 +7,10 @@
 
 namespace Host {
 
-/// Takes SIGINT and SIGTERM over: the first one calls what was given with `onStop`, the second one ends the
-/// process at once with ExitCode::ForcedEnd. Make it before any other thread, since the signals are blocked in the
-/// thread that makes it and those it starts afterwards. One at a time.
+/// Takes SIGINT, SIGTERM and SIGHUP over: the first one calls what was given with `onStop`, and a SIGINT after it
+/// ends the process at once with ExitCode::ForcedEnd. Other signals after it do nothing, since programs that end
+/// others (timeout is one) send the same signal twice. Make it before any other thread, since the signals are
+/// blocked in the thread that makes it and those it starts afterwards. One at a time.
 class StopSignals
 {
 public:
@@ -27,7 +28,7 @@ public:
 
 private:
     void watch();
-    void handleSignal();
+    void handleSignal(int number);
     void callAction();  // with mutex_ held
 
     int signals_ = -1;

@@ -3,9 +3,9 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <condition_variable>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <sstream>
 
 #include "commandline.h"
@@ -35,14 +35,14 @@ Outcome run(std::vector<std::string> arguments)
     return {code, out.str(), testing::internal::GetCapturedStderr()};
 }
 
-/// True while the main thread blocks SIGINT and SIGTERM, and those alone: starting a thread blocks all for a
-/// moment.
+/// True while the main thread blocks SIGINT, SIGTERM and SIGHUP, and those alone: starting a thread blocks all for
+/// a moment.
 bool hasTakenSignalsOver()
 {
     std::ifstream status("/proc/self/status");
     const std::string text{std::istreambuf_iterator<char>(status), {}};
     const auto mask = std::stoull(text.substr(text.find("SigBlk:\t") + 8, 16), nullptr, 16);
-    return mask == (1ULL << (SIGINT - 1) | 1ULL << (SIGTERM - 1));
+    return mask == (1ULL << (SIGINT - 1) | 1ULL << (SIGTERM - 1) | 1ULL << (SIGHUP - 1));
 }
 
 class RunTest : public testing::Test
@@ -283,13 +283,12 @@ TEST_F(RunTest, CheckTellsTheFaultsOfTheFile)
 
 TEST_F(RunTest, ASignalEndsTheRunInOrder)
 {
-    for (const int number : {SIGINT, SIGTERM}) {
+    signal(SIGHUP, SIG_DFL);  // Whoever started the tests may have had them ignore it.
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         std::thread sender([number] {
-            sigset_t both;
-            sigemptyset(&both);
-            sigaddset(&both, SIGINT);
-            sigaddset(&both, SIGTERM);
-            pthread_sigmask(SIG_BLOCK, &both, nullptr);
+            sigset_t all;
+            sigfillset(&all);
+            pthread_sigmask(SIG_BLOCK, &all, nullptr);
             // Before the run has taken the signal over, it would end the test.
             while (!hasTakenSignalsOver())
                 std::this_thread::yield();
@@ -302,27 +301,25 @@ TEST_F(RunTest, ASignalEndsTheRunInOrder)
     }
 }
 
-TEST(StopSignals, FirstCallsSecondEnds)
+// `timeout` sends its signal twice.
+TEST(StopSignals, FirstCallsAndOnlyAnInterruptAfterItEnds)
 {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
-    EXPECT_EXIT(
-        {
-            StopSignals signals;
-            std::mutex mutex;
-            std::condition_variable came;
-            bool hasCome = false;
-            signals.onStop([&] {
-                const std::lock_guard guard(mutex);
-                hasCome = true;
-                came.notify_all();
-            });
-            kill(getpid(), SIGTERM);
-            std::unique_lock lock(mutex);
-            came.wait(lock, [&] { return hasCome; });
-            kill(getpid(), SIGINT);
-            pause();
-        },
-        testing::ExitedWithCode(130), "");
+    for (const auto& [second, code] : {std::pair(SIGINT, 130), std::pair(SIGTERM, 7)}) {
+        EXPECT_EXIT(
+            {
+                {
+                    StopSignals signals;
+                    std::promise<void> came;
+                    signals.onStop([&] { came.set_value(); });
+                    kill(getpid(), SIGTERM);
+                    came.get_future().wait();
+                    kill(getpid(), second);
+                }  // waits until the second one was looked at
+                _exit(7);
+            },
+            testing::ExitedWithCode(code), "");
+    }
 }
 
 }  // namespace Host

@@ -54,7 +54,7 @@ public:
         // Whoever started this process may have had it ignore them.
         sigset_t defaults;
         sigemptyset(&defaults);
-        for (const int number : {SIGINT, SIGTERM, SIGPIPE, SIGXFSZ})
+        for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGXFSZ})
             sigaddset(&defaults, number);
         posix_spawnattr_t attributes;
         posix_spawnattr_init(&attributes);

@@ -191,6 +191,25 @@ TEST_F(RunsTest, SignalsWhileStarting)
     }
 }
 
+// What is told to nobody must not go into a file that took the number of a closed stream.
+TEST_F(RunsTest, ClosedStreamsLeaveTheFilesAlone)
+{
+    saveNumbered(3, 8);
+    std::ofstream(images() / "2.png") << "no picture, which is told on stderr";
+    json recipe = loadAndWrite({}, {"MediaType = TXT", "FileScope = Session", "FileName = list.csv"});
+    recipe["Connections"] = {"Loader.RunCount -> Writer.Data1"};
+    const std::string file = writeRecipe(recipe.dump()).string();
+    std::vector<std::string> written;
+    for (const char* streams : {"", " <&- >&- 2>&-"}) {
+        const std::string line = "exec \"$0\" run \"$1\" --updates=4" + std::string(streams);
+        EXPECT_EQ(end(Program({"sh", "-c", line, command(), file}, folder / "logs")).code, 0);
+        written.push_back(readFile(out() / "S/list.csv"));
+        fs::remove_all(out() / "S");
+    }
+    EXPECT_NE(written[0], "");
+    EXPECT_EQ(written[0], written[1]);
+}
+
 // At one image a second the stop takes a while.
 TEST_F(RunsTest, SecondSignalEndsAtOnce)
 {
