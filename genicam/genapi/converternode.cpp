@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "gcbase/exception.h"
+#include "genapi/nodemap.h"
 
 namespace GenApi {
 
@@ -56,6 +57,7 @@ void ConverterFormulas::Finish(ElementReader& own)
     if (!fromText_) own.Refuse("it has no <FormulaFrom>");
     to_ = variables_.Compile(*toText_, "FROM");
     from_ = variables_.Compile(*fromText_, "TO");
+    hasRange_ = slope_ != Slope::Varying && variables_.IsFunctionOf(from_, value_.Node());
     toText_.reset();
     fromText_.reset();
     variables_.EndCompilation();
@@ -121,7 +123,8 @@ ConverterFormulas::Range ConverterFormulas::DeviceLimits() const
 
 ConverterFormulas::Range ConverterFormulas::Limits() const
 {
-    if (slope_ == Slope::Varying || !variables_.IsFunctionOf(from_, value_.Node())) return {};
+    owner_.Map().CountStep(owner_);
+    if (!hasRange_) return {};
     const Range device = DeviceLimits();
     Range range = {FromDevice(device.min), FromDevice(device.max)};
     if (IsDecreasing(device)) std::swap(range.min, range.max);

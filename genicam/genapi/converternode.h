@@ -57,6 +57,7 @@ private:
     NumberRef value_;
     Slope slope_ = Slope::Automatic;
     bool linear_ = false;
+    bool hasRange_ = false;                // the device's limits tell those of the user
     std::optional<ElementReader> toText_;  // until Finish
     std::optional<ElementReader> fromText_;
     Formula to_;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "gcbase/exception.h"
 #include "genapi/nodebuilder.h"
@@ -132,47 +131,20 @@ void CEnumerationNode::WriteFloat(double value)
     WriteInteger(nearest->Value());
 }
 
-bool CEnumerationNode::IsIntegral() const
-{
-    return std::none_of(entries_.begin(), entries_.end(), [](const CEnumEntryNode* e) { return e->HasNumber(); });
-}
-
-int64_t CEnumerationNode::MinInteger()
-{
-    int64_t min = std::numeric_limits<int64_t>::max();
-    for (const CEnumEntryNode* entry : entries_)
-        min = std::min(min, entry->Value());
-    return min;
-}
-
-int64_t CEnumerationNode::MaxInteger()
-{
-    int64_t max = std::numeric_limits<int64_t>::min();
-    for (const CEnumEntryNode* entry : entries_)
-        max = std::max(max, entry->Value());
-    return max;
-}
-
-double CEnumerationNode::MinFloat()
-{
-    double min = std::numeric_limits<double>::max();
-    for (const CEnumEntryNode* entry : entries_)
-        min = std::min(min, entry->Number());
-    return min;
-}
-
-double CEnumerationNode::MaxFloat()
-{
-    double max = std::numeric_limits<double>::lowest();
-    for (const CEnumEntryNode* entry : entries_)
-        max = std::max(max, entry->Number());
-    return max;
-}
-
 void CEnumerationNode::AddEntry(CEnumEntryNode& entry)
 {
     entries_.push_back(&entry);
     entriesByName_.emplace(entry.Symbolic().view(), &entry);
+}
+
+void CEnumerationNode::IndexEntry(CEnumEntryNode& entry)
+{
+    entriesByValue_.emplace(entry.Value(), &entry);
+    integral_ = integral_ && !entry.HasNumber();
+    minInteger_ = std::min(minInteger_, entry.Value());
+    maxInteger_ = std::max(maxInteger_, entry.Value());
+    minFloat_ = std::min(minFloat_, entry.Number());
+    maxFloat_ = std::max(maxFloat_, entry.Number());
 }
 
 CEnumEntryNode& CEnumerationNode::CurrentEntry(bool ignoreCache)

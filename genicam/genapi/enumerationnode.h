@@ -1,5 +1,6 @@
 #pragma once
 
+#include <limits>
 #include <unordered_map>
 
 #include "genapi/ienumeration.h"
@@ -66,12 +67,12 @@ public:
     void WriteInteger(int64_t value) override;
     void WriteFloat(double value) override;
     /// Not if entries have a number with a fraction beside their value.
-    bool IsIntegral() const override;
-    int64_t MinInteger() override;
-    int64_t MaxInteger() override;
+    bool IsIntegral() const override { return integral_; }
+    int64_t MinInteger() override { return minInteger_; }
+    int64_t MaxInteger() override { return maxInteger_; }
     int64_t IncInteger() override { return 1; }
-    double MinFloat() override;
-    double MaxFloat() override;
+    double MinFloat() override { return minFloat_; }
+    double MaxFloat() override { return maxFloat_; }
     std::optional<double> IncFloat() override { return std::nullopt; }
     gcstring Unit() const override { return {}; }
     ERepresentation Representation() const override { return PureNumber; }
@@ -79,7 +80,7 @@ public:
 
     void AddEntry(CEnumEntryNode& entry);
     /// The entry now knows its value.
-    void IndexEntry(CEnumEntryNode& entry) { entriesByValue_.emplace(entry.Value(), &entry); }
+    void IndexEntry(CEnumEntryNode& entry);
     /// RuntimeException if the value belongs to no entry.
     CEnumEntryNode& CurrentEntry(bool ignoreCache);
 
@@ -101,6 +102,12 @@ private:
     std::vector<CEnumEntryNode*> entries_;
     std::unordered_map<int64_t, CEnumEntryNode*> entriesByValue_;  // the first of each value
     std::unordered_map<std::string_view, CEnumEntryNode*> entriesByName_;
+    // Of all entries; formulas ask for them again and again.
+    bool integral_ = true;
+    int64_t minInteger_ = std::numeric_limits<int64_t>::max();
+    int64_t maxInteger_ = std::numeric_limits<int64_t>::min();
+    double minFloat_ = std::numeric_limits<double>::max();
+    double maxFloat_ = std::numeric_limits<double>::lowest();
     bool selfClearing_ = false;  // the value last written or read belongs to a self-clearing entry
 };
 

@@ -17,8 +17,7 @@ std::size_t CEventAdapter::DeliverEvent(uint64_t eventId, const uint8_t* data, s
         const std::vector<CNodeBase*>& nodes = map_->EventNodes(eventId);
         for (CNodeBase* node : nodes)
             if (CPortNode* port = node->AsPort()) port->TakeEventData({data, size});
-        for (CNodeBase* node : nodes)
-            map_->Invalidate(*node, true);
+        map_->Invalidate(nodes, true);
         return nodes.size();
     });
 }

@@ -6,6 +6,12 @@
 
 namespace GenApi {
 
+void CFloatNode::WriteFloat(double value)
+{
+    CountCopies(value_.Written().size());
+    Stored(value_.Write(value));
+}
+
 double CFloatNode::MinFloat()
 {
     if (min_.IsGiven()) return min_.ReadChecked();

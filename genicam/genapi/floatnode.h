@@ -12,7 +12,7 @@ public:
     using CFloatBase::CFloatBase;
 
     double ReadFloat(bool ignoreCache) override { return value_.Read(ignoreCache); }
-    void WriteFloat(double value) override { Stored(value_.Write(value)); }
+    void WriteFloat(double value) override;
     double MinFloat() override;
     double MaxFloat() override;
     std::optional<double> IncFloat() override;

@@ -12,6 +12,8 @@ namespace GenApi {
 namespace {
 
 constexpr std::size_t boundVariable = SIZE_MAX;
+// Of a formula's, those that cost as much as one node's evaluation.
+constexpr std::size_t instructionsOfStep = 64;
 
 std::string_view suffixOf(std::string_view name)
 {
@@ -253,7 +255,6 @@ std::optional<FormulaNumber> FormulaVariables::TryEvaluate(const Formula& formul
 
 FormulaNumber FormulaVariables::Run(const Formula& formula, FormulaNumber bound, Reading reading) const
 {
-    constexpr std::size_t instructionsOfStep = 64;
     owner_.Map().CountStep(owner_, 1 + static_cast<int>(formula.Length() / instructionsOfStep));
     Reader reader(*this, bound, reading);
     return formula.Evaluate(reader);
@@ -270,6 +271,7 @@ bool FormulaVariables::IsFunctionOf(const Formula& formula, const CNodeBase& nod
 
 bool FormulaVariables::AreAllReadable() const
 {
+    owner_.Map().CountStep(owner_, static_cast<int>(variables_.size() / instructionsOfStep));
     return std::all_of(variables_.begin(), variables_.end(),
                        [](const FormulaVariable& v) { return v.IsReadable(); });
 }

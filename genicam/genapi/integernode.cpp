@@ -5,9 +5,16 @@
 
 #include "gcbase/exception.h"
 #include "genapi/nodebuilder.h"
+#include "genapi/nodemap.h"
 #include "genapi/textconversion.h"
 
 namespace GenApi {
+
+void CIntegerNode::WriteInteger(int64_t value)
+{
+    CountCopies(value_.Written().size());
+    Stored(value_.Write(value));
+}
 
 int64_t CIntegerNode::MinInteger()
 {
@@ -33,7 +40,7 @@ int64_t CIntegerNode::OfValue(int64_t (INumber::*limit)(), int64_t otherwise,
     const NumberRef& value = value_.Current().Reference();
     if (!value) return otherwise;
     int64_t result = (value.operator->()->*limit)();
-    for (const NumberRef& written : value_.Written())
+    for (const NumberRef& written : Written())
         result = better(result, (written.operator->()->*limit)());
     return result;
 }
@@ -41,10 +48,17 @@ int64_t CIntegerNode::OfValue(int64_t (INumber::*limit)(), int64_t otherwise,
 // Nothing could be written that all of them take.
 bool CIntegerNode::IncrementsDiffer() const
 {
-    const auto written = value_.Written();
+    const auto written = Written();
     return !inc_.IsGiven() && std::any_of(written.begin(), written.end(), [&](const NumberRef& each) {
         return each->IncInteger() != written.front()->IncInteger();
     });
+}
+
+std::span<const NumberRef> CIntegerNode::Written() const
+{
+    const auto written = value_.Written();
+    Map().CountStep(*this, static_cast<int>(written.size()));
+    return written;
 }
 
 EAccessMode CIntegerNode::BaseMode() const

@@ -12,7 +12,7 @@ public:
     using CIntegerBase::CIntegerBase;
 
     int64_t ReadInteger(bool ignoreCache) override { return value_.Read(ignoreCache); }
-    void WriteInteger(int64_t value) override { Stored(value_.Write(value)); }
+    void WriteInteger(int64_t value) override;
     int64_t MinInteger() override;
     int64_t MaxInteger() override;
     int64_t IncInteger() override;
@@ -33,6 +33,8 @@ private:
     int64_t OfValue(int64_t (INumber::*limit)(), int64_t otherwise,
                     const int64_t& (*better)(const int64_t&, const int64_t&)) const;
     bool IncrementsDiffer() const;
+    /// The nodes that get what is written, each of which counts as an evaluation.
+    std::span<const NumberRef> Written() const;
     void TakeValidValues(const ElementReader& element);
 
     ValueSource<int64_t> value_;

@@ -208,6 +208,13 @@ void CNodeBase::Stored(bool ownValue)
     CheckErrors();
 }
 
+void CNodeBase::CountCopies(std::size_t copies) const
+{
+    // Each may invalidate all nodes of the map.
+    constexpr std::size_t stepsOfWrite = 50;
+    map_.CountStep(*this, static_cast<int>(copies * stepsOfWrite));
+}
+
 gcstring CValueNode::ToString(bool verify, bool ignoreCache)
 {
     return Map().Operate([&] {

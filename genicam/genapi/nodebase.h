@@ -131,6 +131,8 @@ protected:
         Stored(!source.Reference());
     }
     void Stored(bool ownValue);
+    /// A write is about to go to so many nodes. RuntimeException if the operation writes too much.
+    void CountCopies(std::size_t copies) const;
     bool HasDisplayName() const { return !displayName_.empty(); }
     void LimitCaching(ECachingMode mode) { caching_ = std::min(caching_, mode); }
     const std::vector<CNodeBase*>& Selected() const { return selected_; }

@@ -121,22 +121,31 @@ void CNodeMap::Poll(int64_t elapsedMs)
                       static_cast<long long>(elapsedMs));
     Operate([&] {
         std::exception_ptr first;
+        std::vector<CNodeBase*> due;
         for (CNodeBase* node : polled_) {
             try {
-                if (node->PollIsDue(elapsedMs)) Invalidate(*node, true);
+                if (node->PollIsDue(elapsedMs)) due.push_back(node);
             } catch (...) {
                 if (!first) first = std::current_exception();
             }
         }
+        Invalidate(due, true);
         if (first) std::rethrow_exception(first);
     });
 }
 
 void CNodeMap::Invalidate(CNodeBase& start, bool fromSources)
 {
+    CNodeBase* const one = &start;
+    Invalidate(std::span(&one, 1), fromSources);
+}
+
+void CNodeMap::Invalidate(std::span<CNodeBase* const> starts, bool fromSources)
+{
     ++invalidation_;
     reached_.clear();
-    Reach(start, fromSources);
+    for (CNodeBase* start : starts)
+        Reach(*start, fromSources);
     // The list grows while it is walked, hence the index.
     for (std::size_t i = 0; i < reached_.size(); ++i)
         Spread(Reached(reached_[i]));

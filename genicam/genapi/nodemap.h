@@ -51,6 +51,8 @@ public:
     /// Marks `start` and all that depends on it as changed: own caches are dropped, callbacks noted. With
     /// `fromSources` also the caches that the value of `start` comes from.
     void Invalidate(CNodeBase& start, bool fromSources);
+    /// The same for all of `starts`, in one walk.
+    void Invalidate(std::span<CNodeBase* const> starts, bool fromSources);
     /// One evaluation of `node`, or one that costs as much as several; RuntimeException when the operation has had
     /// too many.
     void CountStep(const CNodeBase& node, int steps = 1) const;

@@ -218,15 +218,15 @@ void CPortNode::ForgetBytes(int64_t address, int64_t length)
         return start <= address ||
                static_cast<uint64_t>(start) - static_cast<uint64_t>(address) < static_cast<uint64_t>(length);
     };
+    forgetful_.clear();
+    const auto forget = [&](const RegisterAccess& reg) {
+        if (reg.HasCached(address, length)) forgetful_.push_back(&reg.Owner());
+    };
     for (; entry != indexed_.end() && reaches(entry->address); ++entry)
-        Forget(*entry->reg, address, length);
-    for (RegisterAccess* reg : others_)
-        Forget(*reg, address, length);
-}
-
-void CPortNode::Forget(RegisterAccess& reg, int64_t address, int64_t length)
-{
-    if (reg.HasCached(address, length)) Map().Invalidate(reg.Owner(), false);
+        forget(*entry->reg);
+    for (const RegisterAccess* reg : others_)
+        forget(*reg);
+    if (!forgetful_.empty()) Map().Invalidate(forgetful_, false);
 }
 
 bool CPortNode::TakeElement(ElementReader& element)

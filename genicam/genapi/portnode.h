@@ -84,7 +84,6 @@ private:
     void WriteRaw(std::span<const uint8_t> bytes, int64_t address);
     void WriteSwapped(std::span<const uint8_t> bytes, int64_t address);
     void ForgetBytes(int64_t address, int64_t length);
-    void Forget(RegisterAccess& reg, int64_t address, int64_t length);
 
     IPort* connected_ = nullptr;
     IPortConstruct* informed_ = nullptr;  // the same port, if it wants to know its node
@@ -95,6 +94,7 @@ private:
     PortMemory memory_;
     std::vector<Indexed> indexed_;
     std::vector<RegisterAccess*> others_;
+    std::vector<CNodeBase*> forgetful_;  // of ForgetBytes, kept for its memory
     std::unordered_map<int64_t, uint64_t> writtenWords_;
 };
 

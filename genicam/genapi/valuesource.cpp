@@ -63,8 +63,10 @@ bool ValueSource<Number>::TakeElement(const ElementReader& element)
 }
 
 template <typename Number>
-void ValueSource<Number>::Finish(const ElementReader& own) const
+void ValueSource<Number>::Finish(const ElementReader& own)
 {
+    std::stable_sort(indexed_.begin(), indexed_.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
     if (index_) {
         if (single_.IsGiven()) own.Refuse("it has <pIndex> beside <Value> or <pValue>");
         if (!otherwise_.IsGiven()) own.Refuse("it has neither <ValueDefault> nor <pValueDefault>");
@@ -81,9 +83,10 @@ template <typename Number>
 std::size_t ValueSource<Number>::Choice() const
 {
     const int64_t index = index_.Readable().ReadInteger(false);
-    const auto found =
-        std::find_if(indexed_.begin(), indexed_.end(), [&](const auto& entry) { return entry.first == index; });
-    return found == indexed_.end() ? notIndexed : static_cast<std::size_t>(found - indexed_.begin());
+    const auto found = std::lower_bound(indexed_.begin(), indexed_.end(), index,
+                                        [](const auto& entry, int64_t wanted) { return entry.first < wanted; });
+    const bool isThere = found != indexed_.end() && found->first == index;
+    return isThere ? static_cast<std::size_t>(found - indexed_.begin()) : notIndexed;
 }
 
 template <typename Number>

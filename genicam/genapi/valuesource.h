@@ -17,7 +17,7 @@ class ValueSource
 public:
     bool TakeElement(const ElementReader& element);
     /// Refuses a node without a value.
-    void Finish(const ElementReader& own) const;
+    void Finish(const ElementReader& own);
 
     /// The place that counts now; AccessException if the index cannot be read.
     const Source<Number>& Current() const;
@@ -45,7 +45,7 @@ private:
     bool copies_ = false;
     std::vector<NumberRef> written_;
     NumberRef index_;
-    std::vector<std::pair<int64_t, Source<Number>>> indexed_;
+    std::vector<std::pair<int64_t, Source<Number>>> indexed_;  // in the order of the indices
     Source<Number> otherwise_;
 };
 

@@ -137,12 +137,17 @@ TEST(Refusals, OfCycles)
                   "Device -> R -> Device");
 }
 
-std::string integerChain(int count)
+/// Nodes N0, N1 ... of the kind, each with the content, in which @ is the next one's name; the last is 1.
+std::string Chain(int count, const std::string& kind, const std::string& content)
 {
     std::string nodes;
-    for (int i = 0; i < count; ++i)
-        nodes += Node("Integer", "N" + std::to_string(i), "<pValue>N" + std::to_string(i + 1) + "</pValue>");
-    return nodes + Node("Integer", "N" + std::to_string(count), value);
+    for (int i = 0; i < count; ++i) {
+        std::string own = content;
+        while (own.find('@') != std::string::npos)
+            own.replace(own.find('@'), 1, "N" + std::to_string(i + 1));
+        nodes += Node(kind, "N" + std::to_string(i), own);
+    }
+    return nodes + Node("Integer", "N" + std::to_string(count), "<Value>1</Value>");
 }
 
 TEST(HostileDescriptions, MayNotBeTooDeepOrTooLong)
@@ -163,27 +168,34 @@ TEST(HostileDescriptions, MayNotBeTooDeepOrTooLong)
         endless += "<Group>";
     ExpectRefused(endless, "not well formed");
 
-    World longest(integerChain(255));
+    World longest(Chain(255, "Integer", "<pValue>@</pValue>"));
     longest.Integer("N0").SetValue(5);
     EXPECT_EQ(longest.Integer("N255").GetValue(), 5);
-    ExpectRefused(Description(integerChain(256)), "\"N0\": it depends on a chain of more than 256 nodes");
-    ExpectRefused(Description(integerChain(100000)), "chain of more than 256 nodes");
+    ExpectRefused(Description(Chain(256, "Integer", "<pValue>@</pValue>")),
+                  "\"N0\": it depends on a chain of more than 256 nodes");
+    ExpectRefused(Description(Chain(100000, "Integer", "<pValue>@</pValue>")), "chain of more than 256 nodes");
 }
 
 TEST(HostileDescriptions, CannotMakeAnEvaluationExplode)
 {
-    std::string nodes;
-    for (int i = 0; i < 100; ++i) {
-        const std::string next = "N" + std::to_string(i + 1);
-        std::string references;
-        for (const char* tag : {"pIsImplemented", "pIsAvailable", "pValue"})
-            references.append("<").append(tag).append(">").append(next).append("</").append(tag).append(">");
-        nodes += Node("Integer", "N" + std::to_string(i), references);
+    // Each node asks the next one more than once.
+    const char* const cause = "depends on too many others";
+    const World modes(Chain(100, "Integer",
+                            "<pIsImplemented>@</pIsImplemented><pIsAvailable>@</pIsAvailable><pValue>@</pValue>"));
+    EXPECT_EQ(modes.Integer("N95").GetValue(), 1);
+    ExpectFailure<RuntimeException>([&] { modes.Integer("N0").GetValue(); }, cause);
+    EXPECT_EQ(modes.Integer("N95").GetValue(), 1);  // the count starts anew with each operation
+    for (const char* kind : {"Integer", "Float"}) {
+        const World copies(Chain(100, kind, "<pValue>@</pValue><pValueCopy>@</pValueCopy>"));
+        copies.Value("N95").FromString("2");
+        ExpectFailure<RuntimeException>([&] { copies.Value("N0").FromString("3", false); }, cause);
+        ExpectFailure<RuntimeException>([&] { copies.map->GetNode("N0")->GetAccessMode(); }, cause);
+        if (auto* number = dynamic_cast<IInteger*>(copies.map->GetNode("N0")))
+            ExpectFailure<RuntimeException>([&] { number->GetMin(); }, cause);
     }
-    World world(nodes + Node("Integer", "N100", "<Value>1</Value>"));
-    EXPECT_EQ(world.Integer("N95").GetValue(), 1);
-    ExpectFailure<RuntimeException>([&] { world.Integer("N0").GetValue(); }, "depends on too many others");
-    EXPECT_EQ(world.Integer("N95").GetValue(), 1);  // the count starts anew with each operation
+    const World limits(
+        Chain(100, "Converter", "<FormulaTo>FROM</FormulaTo><FormulaFrom>TO</FormulaFrom><pValue>@</pValue>"));
+    ExpectFailure<RuntimeException>([&] { limits.Get<IFloat>("N0").GetMin(); }, cause);
 }
 
 TEST(HostileDescriptions, MayBeCutAnywhere)

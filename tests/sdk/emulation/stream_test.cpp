@@ -41,10 +41,9 @@ TEST(Stream, EndsByItselfInTheFiniteModes)
 
 TEST(Stream, TellsWhatAFrameIs)
 {
-    World world(
-        fast +
-        Settings{
-            {"Width", "31"}, {"Height", "21"}, {"OffsetX", "3"}, {"OffsetY", "5"}, {"PixelFormat", "Mono12p"}});
+    World world(fast);
+    world.Apply(
+        {{"Width", "31"}, {"Height", "21"}, {"OffsetX", "3"}, {"OffsetY", "5"}, {"PixelFormat", "Mono12p"}});
     const SFrame frame = world.Take(3).back().frame;
     EXPECT_TRUE(frame.isComplete);
     EXPECT_EQ(frame.errorCode, 0U);
