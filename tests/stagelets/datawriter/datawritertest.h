@@ -12,7 +12,6 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
-#include <variant>
 #include <vector>
 
 #include "genapi/genapi.h"
@@ -22,7 +21,6 @@
 #include "core/errors.h"
 #include "core/image.h"
 #include "core/inodehost.h"
-#include "core/isettings.h"
 #include "datawriter/DataWriter.h"
 
 namespace DataWriterTest {
@@ -55,66 +53,6 @@ public:
 private:
     std::string pattern_ = (fs::temp_directory_path() / "datawriter-XXXXXX").string();
     fs::path path_;
-};
-
-/// A store in memory that keeps the order in which its keys were first set, with those of child stores.
-class MemorySettings : public Core::ISettings
-{
-public:
-    using Value = std::variant<std::int64_t, std::uint64_t, double, bool, gcstring>;
-
-    std::shared_ptr<std::vector<std::string>> order = std::make_shared<std::vector<std::string>>();
-    std::map<std::string, Value> values;
-    std::map<std::string, std::shared_ptr<MemorySettings>> children;
-
-    bool hasKey(const Core::SettingsPath& path) const override
-    {
-        return values.count(name(path)) + children.count(name(path)) != 0;
-    }
-    std::int64_t getSigned(const Core::SettingsPath& path) const override { return get<std::int64_t>(path); }
-    std::uint64_t getUnsigned(const Core::SettingsPath& path) const override { return get<std::uint64_t>(path); }
-    double getDouble(const Core::SettingsPath& path) const override { return get<double>(path); }
-    bool getBool(const Core::SettingsPath& path) const override { return get<bool>(path); }
-    gcstring getString(const Core::SettingsPath& path) const override { return get<gcstring>(path); }
-    void setSigned(const Core::SettingsPath& path, std::int64_t value) override { set(path, value); }
-    void setUnsigned(const Core::SettingsPath& path, std::uint64_t value) override { set(path, value); }
-    void setDouble(const Core::SettingsPath& path, double value) override { set(path, value); }
-    void setBool(const Core::SettingsPath& path, bool value) override { set(path, value); }
-    void setString(const Core::SettingsPath& path, const gcstring& value) override { set(path, value); }
-    std::shared_ptr<ISettings> openChild(const Core::SettingsPath& path) const override
-    {
-        return children.at(name(path));
-    }
-    std::shared_ptr<ISettings> createChild(const Core::SettingsPath& path) override
-    {
-        auto& child = children[name(path)];
-        child = std::make_shared<MemorySettings>();
-        child->prefix_ = name(path) + "/";
-        child->order = order;
-        return child;
-    }
-    bool hasLocation() const override { return false; }
-    gcstring getLocation() const override { return ""; }
-
-private:
-    static std::string name(const Core::SettingsPath& path)
-    {
-        return std::get<gcstring>(path.getElements().at(0)).str();
-    }
-    template <typename T>
-    T get(const Core::SettingsPath& path) const
-    {
-        const auto found = values.find(name(path));
-        if (found == values.end()) GENICAM_THROW(RuntimeException, "no %s", name(path).c_str());
-        return std::get<T>(found->second);
-    }
-    void set(const Core::SettingsPath& path, Value value)
-    {
-        order->push_back(prefix_ + name(path));
-        values[name(path)] = std::move(value);
-    }
-
-    std::string prefix_;
 };
 
 /// Counts what a node outside a graph reports.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "datawritertest.h"
+#include "runtime/jsonsettings.h"
 
 namespace DataWriterTest {
 namespace {
@@ -256,7 +257,7 @@ TEST_F(DataWriterParameters, ComeBackThroughTheSettings)
     source.set("NumMediaWriters", "2");
     source.set("InputDataPinSelector", "3");
     source.set("PinDescription", "third");
-    const auto store = std::make_shared<MemorySettings>();
+    const auto store = std::make_shared<Nivex::DataProcessing::Runtime::JsonSettings>();
     other.saveSettings(store);
 
     // Shared: the map tells its end, too, and it outlives this body.
@@ -272,7 +273,7 @@ TEST_F(DataWriterParameters, ComeBackThroughTheSettings)
 
     // Without other limits too, clients have to read anew.
     *changes = 0;
-    store->children.at("PinConfig2")->setSigned("TextFormatSelector", 9);
+    store->openChild("PinConfig2")->setSigned("TextFormatSelector", 9);
     node.loadSettings(store);
     EXPECT_GE(*changes, 1);
     EXPECT_THROW(parameters.get("TextFormat"), GenICam::RuntimeException);

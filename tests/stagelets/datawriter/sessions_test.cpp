@@ -11,11 +11,13 @@
 #include "gcbase/exception.h"
 
 #include "../../framework/logcapture.h"
+#include "../../framework/refusal.h"
 #include "core/array.h"
 #include "core/boolean.h"
 #include "core/integer.h"
 #include "core/string.h"
 #include "datawritertest.h"
+#include "runtime/jsonsettings.h"
 
 namespace DataWriterTest {
 namespace {
@@ -310,6 +312,10 @@ TEST_F(DataWriterSessions, GiveUpARecordWithoutItsFolder)
     EXPECT_THAT(logged()[0], testing::HasSubstr("Exception caught while creating record folder. Message: "));
     runUpdate(node, onPin1(Core::Integer(1)));
     EXPECT_THAT(takeCalls(), testing::Contains("1.data1@R2 r2"));
+    fs::remove_all(folder.path() / "S1");
+    runUpdate(node, onPin1(Core::Integer(1)));
+    EXPECT_EQ(host.lost, (std::map<LossCause, int>{{LossCause::FileNotWritten, 2}}));
+    EXPECT_THAT(folder.entries(), IsEmpty()) << "a session folder made anew";
 }
 
 TEST_F(DataWriterSessions, TakeEveryNthUpdate)
@@ -449,36 +455,26 @@ TEST_F(DataWriterSessions, CountARecordWithoutDataAsRecorded)
 
 TEST_F(DataWriterSessions, RefuseSettingsWhileRunningAndLogIt)
 {
-    struct Case
-    {
-        const char* operation;
-        std::function<void(const std::shared_ptr<Core::ISettings>& store)> run;
-        const char* refusal;
-    };
-    const Case cases[] = {
-        {"loadSettings", [this](const auto& store) { node.loadSettings(store); },
-         "Node must be in stopped state to deserialize."},
-        {"saveSettings", [this](const auto& store) { node.saveSettings(store); },
-         "Node must be in stopped state to serialize."},
-    };
-    const auto expectRefusal = [this](const Case& row, const auto& store, const char* text) {
-        log.clear();
-        try {
-            row.run(store);
-            ADD_FAILURE() << row.operation;
-        } catch (const GenICam::GenericException& refusal) {
-            EXPECT_STREQ(refusal.GetDescription(), text);
-        }
-        ASSERT_EQ(logged().size(), 1u);
+    const auto expectLogged = [this](const std::string& operation, const char* text) {
+        ASSERT_EQ(log.lines().size(), 1u);
         EXPECT_EQ(log.lines()[0].severity, Utils::SeverityRefused);
-        EXPECT_THAT(logged()[0], testing::StartsWith(nodeName() + row.operation + " failed. Message: \"" + text +
-                                                     "\" (datawriter/DataWriter:"));
+        EXPECT_THAT(logged(), ElementsAre(testing::StartsWith(nodeName() + operation + " failed. Message: \"" +
+                                                              text + "\" (datawriter/DataWriter:")));
+        log.clear();
     };
-    for (const Case& row : cases)
-        expectRefusal(row, std::shared_ptr<MemorySettings>(), "ptrSettings is a nullptr");
+    const char* text = "ptrSettings is a nullptr";
+    EXPECT_EQ(refusal<GenICam::InvalidArgumentException>([this] { node.loadSettings(nullptr); }), text);
+    expectLogged("loadSettings", text);
+    EXPECT_EQ(refusal<GenICam::InvalidArgumentException>([this] { node.saveSettings(nullptr); }), text);
+    expectLogged("saveSettings", text);
     node.start({});
-    for (const Case& row : cases)
-        expectRefusal(row, std::make_shared<MemorySettings>(), row.refusal);
+    const auto store = std::make_shared<Nivex::DataProcessing::Runtime::JsonSettings>();
+    text = "Node must be in stopped state to deserialize.";
+    EXPECT_EQ(refusal<GenICam::RuntimeException>([&] { node.loadSettings(store); }), text);
+    expectLogged("loadSettings", text);
+    text = "Node must be in stopped state to serialize.";
+    EXPECT_EQ(refusal<GenICam::RuntimeException>([&] { node.saveSettings(store); }), text);
+    expectLogged("saveSettings", text);
 }
 
 TEST_F(DataWriterSessions, EndWithTheNode)

@@ -3,9 +3,12 @@
 
 #include "datawriter/DataWriterSettings.h"
 #include "datawritertest.h"
+#include "runtime/jsonsettings.h"
 
 namespace DataWriterTest {
 namespace {
+
+using namespace Nivex::DataProcessing::Runtime;
 
 /// No field has its default.
 DataWriterSettings everythingChanged()
@@ -38,36 +41,53 @@ DataWriterSettings everythingChanged()
     return settings;
 }
 
+/// A recipe's store, with the tree that it works on.
+struct Store
+{
+    std::shared_ptr<JsonValue> tree = std::make_shared<JsonValue>(JsonObject());
+    JsonSettings settings{tree};
+
+    std::vector<JsonMember>& members(const char* child = nullptr)
+    {
+        auto* root = tree->as<JsonObject>();
+        return child ? root->find(child)->as<JsonObject>()->members : root->members;
+    }
+    std::vector<std::string> names(const char* child = nullptr)
+    {
+        std::vector<std::string> all;
+        for (const JsonMember& member : members(child))
+            all.push_back(member.name);
+        return all;
+    }
+    void remove(const char* name, const char* child = nullptr)
+    {
+        std::erase_if(members(child), [&](const JsonMember& member) { return member.name == name; });
+    }
+};
+
 TEST(DataWriterSettings, ComeBackFromAStoreInTheOrderOfRecipes)
 {
     const DataWriterSettings saved = everythingChanged();
-    MemorySettings store;
-    save(saved, store);
-
-    std::vector<std::string> expected = words(
-        "NumInputDataPins NumMediaWriters RecordPeriod RecordPeriodUnit OutputFolderName SessionFolderName "
-        "RecordFolderName InputDataPinSelector MediaWriterSelector");
-    for (const std::string pin : {"PinConfig0/", "PinConfig1/"}) {
-        for (const std::string& key :
-             words("PinDescription WriteEnable RecordTriggerSelector RecordTriggerEnable_HasError "
-                   "RecordTriggerEnable_HasErrorRecursive RecordTriggerEnable_ArrayHasItems "
-                   "RecordTriggerEnable_DataPresent RecordTriggerEnable_BoolValue TextFormatSelector "
-                   "TextFormat_SessionBegin TextFormat_RecordBegin TextFormat_ArrayBegin TextFormat_DataBegin "
-                   "TextFormat_Data TextFormat_DataEnd TextFormat_ArrayEnd TextFormat_RecordEnd "
-                   "TextFormat_SessionEnd UseMediaWriterSelector UseMediaWriterEnable1 UseMediaWriterEnable2 "
-                   "UseMediaWriterEnable3"))
-            expected.push_back(pin + key);
-    }
-    for (const std::string writer : {"MediaWriterSetting0/", "MediaWriterSetting1/", "MediaWriterSetting2/"}) {
-        for (const std::string& key :
-             words("MediaWriterDescription MediaType FileScope FileMode Quality FileName PlayBackSpeed"))
-            expected.push_back(writer + key);
-    }
-    EXPECT_EQ(*store.order, expected);
-    EXPECT_EQ(std::get<std::int64_t>(store.children.at("MediaWriterSetting2")->values.at("MediaType")), 7);
+    Store store;
+    save(saved, store.settings);
+    EXPECT_EQ(store.names(),
+              words("NumInputDataPins NumMediaWriters RecordPeriod RecordPeriodUnit OutputFolderName "
+                    "SessionFolderName RecordFolderName InputDataPinSelector MediaWriterSelector PinConfig0 "
+                    "PinConfig1 MediaWriterSetting0 MediaWriterSetting1 MediaWriterSetting2"));
+    EXPECT_EQ(store.names("PinConfig1"),
+              words("PinDescription WriteEnable RecordTriggerSelector RecordTriggerEnable_HasError "
+                    "RecordTriggerEnable_HasErrorRecursive RecordTriggerEnable_ArrayHasItems "
+                    "RecordTriggerEnable_DataPresent RecordTriggerEnable_BoolValue TextFormatSelector "
+                    "TextFormat_SessionBegin TextFormat_RecordBegin TextFormat_ArrayBegin TextFormat_DataBegin "
+                    "TextFormat_Data TextFormat_DataEnd TextFormat_ArrayEnd TextFormat_RecordEnd "
+                    "TextFormat_SessionEnd UseMediaWriterSelector UseMediaWriterEnable1 UseMediaWriterEnable2 "
+                    "UseMediaWriterEnable3"));
+    EXPECT_EQ(store.names("MediaWriterSetting2"),
+              words("MediaWriterDescription MediaType FileScope FileMode Quality FileName PlayBackSpeed"));
+    EXPECT_EQ(store.settings.openChild("MediaWriterSetting2")->getSigned("MediaType"), 7);
 
     DataWriterSettings loaded;
-    load(loaded, store);
+    load(loaded, store.settings);
     EXPECT_TRUE(loaded == saved);
 }
 
@@ -91,7 +111,7 @@ TEST(DataWriterSettings, AreBroughtWithinTheirLimitsByLoading)
                             {"MediaWriterSelector", 200, &DataWriterSettings::mediaWriterSelector, 3}})
     {
         SCOPED_TRACE(row.key + std::to_string(row.stored));
-        MemorySettings store;
+        JsonSettings store;
         save(everythingChanged(), store);
         store.setUnsigned(row.key, row.stored);
         DataWriterSettings loaded;
@@ -108,23 +128,23 @@ TEST(DataWriterSettings, AreBroughtWithinTheirLimitsByLoading)
 
 TEST(DataWriterSettings, KeepWhatAStoreLeavesOutAndRefuseAMissingKey)
 {
-    MemorySettings store;
-    save(everythingChanged(), store);
-    store.children.erase("PinConfig1");
-    store.children.erase("MediaWriterSetting2");
-    store.children.at("PinConfig0")->values.erase("UseMediaWriterEnable2");
+    Store store;
+    save(everythingChanged(), store.settings);
+    store.remove("PinConfig1");
+    store.remove("MediaWriterSetting2");
+    store.remove("UseMediaWriterEnable2", "PinConfig0");
     DataWriterSettings loaded;
-    load(loaded, store);
+    load(loaded, store.settings);
     InputPinSettings defaults;
     defaults.useMediaWriterEnable.assign(3, UseMediaWriterEnable::On);
     EXPECT_TRUE(loaded.pins[1] == defaults);
     EXPECT_TRUE(loaded.mediaWriters[2] == MediaWriterSettings());
     EXPECT_EQ(loaded.pins[0].useMediaWriterEnable[1], UseMediaWriterEnable::On);
 
-    store.children.at("PinConfig0")->values.erase("TextFormat_Data");
-    store.setString("OutputFolderName", "elsewhere");
+    store.remove("TextFormat_Data", "PinConfig0");
+    store.settings.setString("OutputFolderName", "elsewhere");
     const DataWriterSettings before = loaded;
-    EXPECT_THROW(load(loaded, store), GenICam::RuntimeException);
+    EXPECT_THROW(load(loaded, store.settings), GenICam::RuntimeException);
     EXPECT_TRUE(loaded == before);
 }
 

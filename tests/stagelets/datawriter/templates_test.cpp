@@ -5,8 +5,8 @@
 
 #include <regex>
 #include <sstream>
-#include <stdexcept>
 
+#include "../../framework/refusal.h"
 #include "datawriter/NameRendering.h"
 #include "valuecases.h"
 
@@ -142,17 +142,10 @@ TEST(Templates, PrintEveryTokenOfEveryType)
 TEST(Templates, RepeatTheTopMessageForEachNestedError)
 {
     const Integer value(error("top", {error("first"), nullptr, error("second")}));
-    EXPECT_EQ(ofValue("{ErrorMessageRecursive}", value), "top; top; top");
-    EXPECT_EQ(ofValue("{ErrorMessage}", value), "top");
-}
-
-TEST(Templates, LeaveTheStreamAsTheyFormattedIt)
-{
-    std::ostringstream stream;
-    TimeSnapshot time;
-    formatValueText(tokens, "{_Fixed_}{_Precision_}{2}", time, stream, someIndices, Integer(1));
-    formatValueText(tokens, "{Default}", time, stream, someIndices, Float(1));
-    EXPECT_EQ(stream.str(), "1.00");
+    const char* text = "{Default}|{X}|{ErrorMessage}|{ErrorMessageRecursive}|{HasError}{HasErrorRecursive}";
+    EXPECT_EQ(ofValue(text, value), "top|na|top|top; top; top|11");
+    EXPECT_EQ(ofValue(text, Unexplained()), "|na|||11");
+    EXPECT_EQ(ofValue(text, ErrorBelow()), "0|{X}||below; below|01");
 }
 
 TEST(TextTokenTable, FindsTheLeftmostLongestToken)
@@ -194,14 +187,7 @@ TEST(TextTokenTable, RefusesWhatIsNoNewToken)
                             {"", 100, "Failed to add token. The token string is empty."},
                             {"new", -1, "Failed to add token. Its token id is invalid."},
                             {"{Width}", 100, "Failed to add token. It has already been added."}})
-    {
-        try {
-            table.addToken(row.text, row.id);
-            ADD_FAILURE() << row.refusal;
-        } catch (const std::invalid_argument& refusal) {
-            EXPECT_STREQ(refusal.what(), row.refusal);
-        }
-    }
+        EXPECT_EQ(refusal<std::invalid_argument>([&] { table.addToken(row.text, row.id); }), row.refusal);
 }
 
 TEST(TimeSnapshot, ShowsLocalTimeAndStaysOnceFilled)

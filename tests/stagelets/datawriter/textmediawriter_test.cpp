@@ -13,14 +13,6 @@
 
 namespace DataWriterTest {
 
-/// Holds an error without error object.
-class Unexplained : public Core::Integer
-{
-public:
-    bool hasError(bool) const override { return true; }
-    std::shared_ptr<Core::IError> getError(bool) const override { return nullptr; }
-};
-
 /// Can't be read.
 class Unreadable : public Core::Integer
 {
@@ -38,6 +30,7 @@ public:
 namespace {
 
 const Utils::TypeRegistrar<Unexplained, Core::Integer> unexplainedRegistrar;
+const Utils::TypeRegistrar<ErrorBelow, Core::Integer> errorBelowRegistrar;
 const Utils::TypeRegistrar<Unreadable, Core::Integer> unreadableRegistrar;
 const Utils::TypeRegistrar<Foreign, Core::IValue> foreignRegistrar;
 
@@ -218,6 +211,7 @@ TEST_F(TextFiles, HoldValuesOfAllTypes)
 TEST_F(TextFiles, HoldOddValues)
 {
     EXPECT_EQ(textOf(Utils::Variant(Unexplained())), "Internal error.\n");
+    EXPECT_EQ(textOf(Utils::Variant(ErrorBelow())), "0\n");
     EXPECT_EQ(host.lost, Losses());
     setSections(1, {{"DataBegin", "begin"}});
     EXPECT_EQ(textOf(Utils::Variant(Foreign())), "");
@@ -268,6 +262,7 @@ TEST_F(TextFiles, RefuseWhatIsNoScopeAndNoPin)
     const MediaWriterContext context{&settings, &time, &folder.path(), &tokens, &indices, &pins};
     const Utils::Variant value{Core::Integer(1)};
     const auto writer = createMediaWriter(MediaType::TXT, ledger);
+    EXPECT_EQ(createMediaWriter(static_cast<MediaType>(8), ledger), nullptr);
 
     settings.fileScope = static_cast<FileScope>(7);
     writer->beginSession(context);

@@ -20,6 +20,25 @@
 
 namespace DataWriterTest {
 
+/// Holds an error without error object.
+class Unexplained : public Core::Integer
+{
+public:
+    bool hasError(bool) const override { return true; }
+    std::shared_ptr<Core::IError> getError(bool) const override { return nullptr; }
+};
+
+/// Holds errors only below itself.
+class ErrorBelow : public Core::Integer
+{
+public:
+    bool hasError(bool recursive) const override { return recursive; }
+    std::shared_ptr<Core::IError> getError(bool recursive) const override
+    {
+        return recursive ? error("below", {error("nested")}) : nullptr;
+    }
+};
+
 inline const TextTokenTable tokens;
 inline constexpr WriterIndices someIndices{.sessionIndex = 1,
                                            .pinIndex = 2,
