@@ -33,8 +33,8 @@ namespace Plugin::NivexStageletPackageBase {
 /// or for space in the recipe. Observers of parameters, signals and changes of pins come after it was released,
 /// except that a client who writes through the node map holds it himself.
 ///
-/// Pins and the choice of the camera can't be changed while the node runs: their parameters are not available
-/// then, and the operations here raise RuntimeException. Every refusal is logged.
+/// Configured pins and the choice of the camera can't be changed while the node runs: their parameters are not
+/// available then, and the operations here raise RuntimeException. Every refusal is logged.
 class Camera : public Nivex::DataProcessing::Core::AdvancedNode,
                public Nivex::DataProcessing::Core::INodeMapContainer,
                public Nivex::CImageEventHandler,

@@ -9,46 +9,27 @@ using namespace CameraDetail;
 
 namespace {
 
-/// What is logged for an exception that one step of the allocation caught.
-struct CatchSite
-{
-    const char* known;
-    const char* unknown;  ///< Also the text of the error then.
-};
-
-constexpr CatchSite openingCamera{"Camera %p: Exception caught while allocating camera resource.. Message: %s",
-                                  "Unknown exception caught while allocating camera resource."};
-constexpr CatchSite furtherAllocation{
-    "Camera %p: Exception caught while allocating additional resources.. Message: %s",
-    "Unknown exception caught while allocating additional resources."};
-
-// The formats are those of the table above.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-
-void logKnown(const CatchSite& site, const void* node, const char* message)
-{
-    Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(), site.known, node, message);
-}
-
-#pragma GCC diagnostic pop
-
 /// Runs one step of the allocation. What it throws is logged and passes on; what is of no known kind becomes a
 /// RuntimeException.
 template <typename Step>
-void guarded(const CatchSite& site, const void* node, const Step& step)
+void guarded(const char* activity, const void* node, const Step& step)
 {
+    const auto log = [&](const char* message) {
+        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                              "Camera %p: Exception caught while %s.. Message: %s", node, activity, message);
+    };
     try {
         step();
     } catch (const GenICam::GenericException& e) {
-        logKnown(site, node, e.GetDescription());
+        log(e.GetDescription());
         throw;
     } catch (const std::exception& e) {
-        logKnown(site, node, e.what());
+        log(e.what());
         throw;
     } catch (...) {
-        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(), "Camera %p: %s.", node, site.unknown);
-        GENICAM_THROW(RuntimeException, "%s", site.unknown);
+        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                              "Camera %p: Unknown exception caught while %s..", node, activity);
+        GENICAM_THROW(RuntimeException, "Unknown exception caught while %s.", activity);
     }
 }
 
@@ -68,9 +49,10 @@ void Camera::allocateAdditionalResources(const std::shared_ptr<Core::IResourcePo
     try {
         edit([&](Notices& notices) {
             std::unique_ptr<Nivex::INivexDevice> device = impl_->assignment.reserve(*impl_->pool, mayRefresh);
-            guarded(openingCamera, this, [&] { holdCamera(std::move(device), notices); });
+            guarded("allocating camera resource", this, [&] { holdCamera(std::move(device), notices); });
         });
-        guarded(furtherAllocation, this, [&] { AdvancedNode::allocateAdditionalResources(pool, mayRefresh); });
+        guarded("allocating additional resources", this,
+                [&] { AdvancedNode::allocateAdditionalResources(pool, mayRefresh); });
     } catch (...) {
         giveUpCamera([this](Notices& notices) { impl_->showNoSelectedDevice(noDeviceListed, true, notices); });
         throw;
