@@ -129,6 +129,20 @@ TEST_F(CameraAssignment, AsksForCompletePropertiesOnly)
                 HasSubstr("A camera was wanted that has DeviceClass = \"C\", SerialNumber = \"7\"."));
 }
 
+TEST_F(CameraAssignment, KnowsACameraByWhatStays)
+{
+    DeviceProperties properties = {{"an old", "row"}};
+    getAssignmentProperties(infoOf({{"_PortableIpConfigCurrent", "4"},
+                                    {"FullName", "x"},
+                                    {"IpAddress", "10.0.0.1"},
+                                    {"ModelName", ""},
+                                    {"UserDefinedName", "left"}}),
+                            properties);
+    const DeviceProperties expected = {
+        {"UserDefinedName", "left"}, {"IpAddress", "10.0.0.1"}, {"_PortableIpConfigCurrent", "4"}};
+    EXPECT_EQ(properties, expected);
+}
+
 TEST_F(CameraAssignment, ListKeepsItsSelectionWhenItIsRenewed)
 {
     struct ListPool : Runtime::ResourcePool
