@@ -7,6 +7,7 @@
 #include "genapi/nodebuilder.h"
 #include "genapi/nodemap.h"
 #include "genapi/nodemap_impl.h"
+#include "genapi/textconversion.h"
 
 namespace GenApi {
 
@@ -143,7 +144,7 @@ bool CNodeBase::TakeElement(ElementReader& element)
     else if (element.Is("IsDeprecated"))
         deprecated_ = element.YesNo();
     else if (element.Is("EventID")) {
-        eventId_ = gcstring(element.Text());
+        eventId_ = gcstring(WithoutHexPrefix(element.Text()));
         eventNumber_ = element.HexDigits();
     } else if (element.Is("ImposedAccessMode"))
         imposed_ = element.AccessMode(imposed_);
@@ -184,6 +185,7 @@ void CNodeBase::Finish(ElementReader& own)
 
 bool CNodeBase::CacheValid() const
 {
+    map_.CountStep(*this);
     return std::all_of(valueSources_.begin(), valueSources_.end(),
                        [](const CNodeBase* source) { return source->CacheValid(); });
 }

@@ -88,9 +88,14 @@ std::string_view Trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
+std::string_view WithoutHexPrefix(std::string_view text)
+{
+    return hasHexPrefix(text) ? text.substr(2) : text;
+}
+
 std::optional<uint64_t> ParseHexDigits(std::string_view text)
 {
-    return parseWhole<uint64_t>(hasHexPrefix(text) ? text.substr(2) : text, 16);
+    return parseWhole<uint64_t>(WithoutHexPrefix(text), 16);
 }
 
 std::optional<int64_t> ParseInteger(std::string_view text)

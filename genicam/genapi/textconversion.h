@@ -20,6 +20,8 @@ std::string_view Trimmed(std::string_view text);
 std::optional<int64_t> ParseInteger(std::string_view text);
 /// Also reads `192.168.0.1` and `00:11:22:33:44:55` where the representation says so.
 std::optional<int64_t> ParseInteger(std::string_view text, ERepresentation representation);
+/// The digits behind a `0x`, if there is one.
+std::string_view WithoutHexPrefix(std::string_view text);
 /// Up to 16 hexadecimal digits with or without `0x`.
 std::optional<uint64_t> ParseHexDigits(std::string_view text);
 std::string FormatInteger(int64_t value, ERepresentation representation);

@@ -27,7 +27,7 @@ const std::string gain = R"(<Category Name="Root"><pFeature>Gain</pFeature><pFea
         <Visibility>Guru</Visibility>
         <DocuURL>http://x</DocuURL>
         <IsDeprecated>Yes</IsDeprecated>
-        <EventID>9000</EventID>
+        <EventID>0x9000</EventID>
         <pAlias>Selector</pAlias>
         <Streamable>Yes</Streamable>
         <pValue>GainValue</pValue>

@@ -196,6 +196,10 @@ TEST(HostileDescriptions, CannotMakeAnEvaluationExplode)
     const World limits(
         Chain(100, "Converter", "<FormulaTo>FROM</FormulaTo><FormulaFrom>TO</FormulaFrom><pValue>@</pValue>"));
     ExpectFailure<RuntimeException>([&] { limits.Get<IFloat>("N0").GetMin(); }, cause);
+    const World caches(
+        Chain(100, "SwissKnife",
+              R"(<pVariable Name="A">@</pVariable><pVariable Name="B">@</pVariable><Formula>A + B</Formula>)"));
+    ExpectFailure<RuntimeException>([&] { caches.Value("N0").IsValueCacheValid(); }, cause);
 }
 
 TEST(HostileDescriptions, MayBeCutAnywhere)
