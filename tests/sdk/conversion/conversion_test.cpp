@@ -145,9 +145,6 @@ TEST(Colours, FollowTheFullRangeEquations)
     const Bytes rgb = {255, 255, 255, 77, 77, 77, 255, 0, 0, 0, 255, 0, 0, 0, 255};
     const Bytes yuv = convertOnce(YUV444Planar, rgb, RGB8Packed, 5, 1);
     EXPECT_EQ(yuv, (Bytes{255, 77, 76, 150, 29, 128, 128, 85, 44, 255, 128, 128, 255, 21, 107}));
-    const Bytes back = convertOnce(RGB8Packed, yuv, YUV444Planar, 5, 1);
-    for (std::size_t i = 0; i < rgb.size(); ++i)
-        EXPECT_NEAR(back[i], rgb[i], 1) << i;
 }
 
 // The arithmetic behind this is scaled integers; here every pair of chroma values is held against real numbers.

@@ -222,15 +222,7 @@ const std::vector<Model>& inputs()
             {Mono1Packed, "M", 1, Lsb},
             {Mono2Packed, "M", 2, Lsb},
             {Mono4Packed, "M", 4, Lsb},
-            {Mono8, "M", 8, Cells},
-            {Mono10, "M", 10, Cells},
-            {Mono10Packed, "M", 10, Gige},
-            {Mono10p, "M", 10, Lsb},
-            {Mono12, "M", 12, Cells},
-            {Mono12Packed, "M", 12, Gige},
-            {Mono12p, "M", 12, Lsb},
             {Mono14, "M", 14, Cells},
-            {Mono16, "M", 16, Cells},
             {RGB8Packed, "RGB", 8, Cells},
             {BGR8Packed, "BGR", 8, Cells},
             {RGBA8Packed, "RGBA", 8, Cells},
@@ -251,11 +243,11 @@ const std::vector<Model>& inputs()
             {YCbCr422_8_YY_CbCr_Semiplanar, "YUV", 8, SemiPlanes, 2},
             {YCbCr420_8_YY_CbCr_Semiplanar, "YUV", 8, SemiPlanes, 2, 2},
         };
-        for (const std::string order : {"GR", "RG", "GB", "BG"}) {
+        for (const std::string letters : {"M", "GR", "RG", "GB", "BG"}) {
             for (const char* ending : {"8", "10", "12", "16", "10Packed", "12Packed", "10p", "12p"}) {
-                const std::string name = "Bayer" + order + ending;
+                const std::string name = (letters == "M" ? "Mono" : "Bayer" + letters) + ending;
                 const Packing packing = name.ends_with("Packed") ? Gige : name.ends_with("p") ? Lsb : Cells;
-                all.push_back({Nivex::GetPixelTypeByName(name.c_str()), order,
+                all.push_back({Nivex::GetPixelTypeByName(name.c_str()), letters,
                                static_cast<unsigned>(std::atoi(ending)), packing});
             }
         }

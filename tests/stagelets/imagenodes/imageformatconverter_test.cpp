@@ -6,6 +6,7 @@
 
 #include "core/errors.h"
 #include "framework/logcapture.h"
+#include "runtime/resourcepool.h"
 #include "support.h"
 
 namespace Plugin::NivexStageletPackageBase::Test {
@@ -114,17 +115,11 @@ TEST_F(ImageFormatConverterTest, ConvertsAsItsParametersAsk)
 
 TEST_F(ImageFormatConverterTest, TakesItsMemoryFromTheRecipe)
 {
-    struct Pool : Core::IResourcePool, Core::IBufferProvider, std::enable_shared_from_this<Pool>
+    struct Pool : Nivex::DataProcessing::Runtime::ResourcePool,
+                  Core::IBufferProvider,
+                  std::enable_shared_from_this<Pool>
     {
-        std::shared_ptr<Nivex::DataProcessing::Threading::ThreadPool> getThreadPool() override { return nullptr; }
         std::shared_ptr<IBufferProvider> getBufferProvider() override { return shared_from_this(); }
-        std::map<Core::ResourceInfo, std::shared_ptr<Core::IResource>> query(const Utils::TypeInfo&,
-                                                                             const Core::ResourceInfo&) override
-        {
-            return {};
-        }
-        void refresh(const Utils::TypeInfo&) override {}
-        Utils::ISignal<void()>& getResourcesChangedSignal() override { return changed; }
         std::shared_ptr<std::byte> getBuffer(std::size_t size) override
         {
             memory = std::shared_ptr<std::byte>(new std::byte[size], std::default_delete<std::byte[]>());
@@ -133,7 +128,6 @@ TEST_F(ImageFormatConverterTest, TakesItsMemoryFromTheRecipe)
         }
         Core::NodeBase* node = nullptr;
         bool lockWasFree = true;
-        Utils::Signal<void(), Utils::VoidCombiner> changed;
         std::shared_ptr<std::byte> memory;
     };
     const auto pool = std::make_shared<Pool>();

@@ -21,23 +21,6 @@ Interface& find(const GenApi::CNodeMapRef& map, const char* name)
     return *found;
 }
 
-void addAll(CAnythingToNodeMapAdapterBase& adapter, FakeNode& node)
-{
-    adapter.addParameter(node.makeGain());
-    adapter.addParameter(node.makeCount());
-    adapter.addParameter(node.makeFactor());
-    adapter.addParameter(node.makeFlag());
-    adapter.addParameter(node.makeText());
-    adapter.addParameter(node.makeMode());
-    adapter.addEnumEntry("Mode", FakeNode::makeEntry("A", Mode::A));
-    adapter.addEnumEntry("Mode", FakeNode::makeEntry("B", Mode::B));
-    adapter.addParameter(node.makeGo());
-    adapter.addParameter(std::make_shared<CategoryParameterPort>("Root", "", "", "", "Expert"));
-    for (const char* name : {"Gain", "Count", "Factor", "Flag", "Text", "Mode", "Go"})
-        adapter.addLink(LinkKey::feature, "Root", name);
-    adapter.addLink(LinkKey::selected, "Count", "Text");
-}
-
 /// Both ways of reaching the parameters: one shared port, or a port for each.
 class AdapterModes : public testing::TestWithParam<const char*>
 {

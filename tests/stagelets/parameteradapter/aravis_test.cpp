@@ -51,19 +51,7 @@ class IndependentReader : public testing::Test
 protected:
     void SetUp() override
     {
-        remote.addParameter(std::make_shared<CategoryParameterPort>("Root", "", "Everything", "", "Beginner"));
-        remote.addParameter(node.makeGain());
-        remote.addParameter(node.makeFactor());
-        remote.addParameter(node.makeFlag({.lockedRegister = true}));
-        remote.addParameter(node.makeText());
-        mode = node.makeMode();
-        remote.addParameter(mode);
-        remote.addEnumEntry("Mode", FakeNode::makeEntry("A", Mode::A));
-        conditional = FakeNode::makeEntry("B", Mode::B, {.availableRegister = true});
-        remote.addEnumEntry("Mode", conditional);
-        remote.addParameter(node.makeGo());
-        for (const char* name : names)
-            remote.addLink(LinkKey::feature, "Root", name);
+        conditional = addAll(remote, node);
         remote.connect(text, "ParameterPort", "");
 
         auto* memory = static_cast<MemoryDevice*>(g_object_new(memoryDeviceType(), nullptr));
@@ -94,10 +82,8 @@ protected:
         return found;
     }
 
-    const std::vector<const char*> names = {"Text", "Gain", "Mode", "Factor", "Flag", "Go"};
     FakeNode node;
     CAnythingToNodeMapAdapterRemote remote;
-    std::shared_ptr<FakeNode::ModePort> mode;
     std::shared_ptr<EnumEntryParameterPort<Mode>> conditional;
     GenICam::gcstring text;
     ArvDevice* device = nullptr;
@@ -110,7 +96,7 @@ TEST_F(IndependentReader, FindsTheFeaturesInTheirOrder)
     for (const GSList* item = arv_gc_category_get_features(find<ArvGcCategory>("Root")); item; item = item->next) {
         found.emplace_back(static_cast<const char*>(item->data));
     }
-    EXPECT_EQ(found, std::vector<std::string>(names.begin(), names.end()));
+    EXPECT_EQ(found, std::vector<std::string>(std::begin(allFeatures), std::end(allFeatures)));
     EXPECT_STREQ(arv_gc_feature_node_get_tooltip(find<ArvGcFeatureNode>("Gain")), "Tip");
     EXPECT_STREQ(arv_gc_feature_node_get_description(find<ArvGcFeatureNode>("Gain")), "Text");
     EXPECT_EQ(arv_gc_feature_node_get_visibility(find<ArvGcFeatureNode>("Gain")), ARV_GC_VISIBILITY_BEGINNER);

@@ -23,9 +23,7 @@ struct Reg
     const char* address;
     const char* mode = "RO";
     const char* port = "Device";
-    const char* tail =
-        "        <Sign>Unsigned</Sign>\n"
-        "        <Endianess>LittleEndian</Endianess>\n";
+    const char* tail = "        <Sign>Unsigned</Sign>\n        <Endianess>LittleEndian</Endianess>\n";
     const char* length = "8";
     const char* visibility = "Expert";
 
@@ -148,14 +146,16 @@ const KindRow integerRow{
      {"IsAvailable", "NotWritten"},
      {"IsLocked", "NotWritten"}}};
 
-const KindRow floatRow{
-    "float, read-only, with linked conditions",
-    [](FakeNode& node) { return std::make_shared<CFloatNodeMapPort>(node.makeFactor(readOnly), -2); },
-    std::string(R"(    <Float Name="Factor" MergePriority="-1">
+const KindRow floatRow{"float, read-only, with one companion and one linked condition",
+                       [](FakeNode& node) {
+                           return std::make_shared<CFloatNodeMapPort>(
+                               node.makeFactor({.writable = false, .availableRegister = true}), -2);
+                       },
+                       std::string(R"(    <Float Name="Factor" MergePriority="-1">
         <Visibility>Expert</Visibility>
-        <pIsAvailable>A1</pIsAvailable>
-        <pIsAvailable>A2</pIsAvailable>
-        <pIsLocked>L</pIsLocked>
+        <pIsAvailable>FactorIsAvailable</pIsAvailable>
+        <pIsLocked>L1</pIsLocked>
+        <pIsLocked>L2</pIsLocked>
         <Streamable>Yes</Streamable>
         <pValue>FactorValue</pValue>
         <pMin>FactorMin</pMin>
@@ -164,41 +164,22 @@ const KindRow floatRow{
         <Representation>PureNumber</Representation>
     </Float>
 )") +
-        Reg{.kind = "FloatReg",
-            .name = "FactorValue",
-            .address = "0x100",
-            .tail = "        <pInvalidator>I</pInvalidator>\n"
-                    "        <Endianess>LittleEndian</Endianess>\n"} +
-        Reg{.kind = "FloatReg", .name = "FactorMax", .address = "0x108", .tail = noSign} +
-        Reg{.kind = "FloatReg", .name = "FactorMin", .address = "0x110", .tail = noSign},
-    48,
-    false,
-    "",
-    {{"IsAvailable", "A1"},
-     {"IsAvailable", "A2"},
-     {"IsLocked", "L"},
-     {"Invalidator", "I"},
-     {"Selected", "NotWritten"}}};
-
-const KindRow floatCompanionsRow{
-    "float with companions",
-    [](FakeNode& node) { return std::make_shared<CFloatNodeMapPort>(node.makeFactor(companions), 0); },
-    std::string(R"(    <Float Name="Factor">
-        <Visibility>Expert</Visibility>
-        <pIsAvailable>FactorIsAvailable</pIsAvailable>
-        <pIsLocked>FactorIsLocked</pIsLocked>
-        <Streamable>Yes</Streamable>
-        <pValue>FactorValue</pValue>
-        <pMin>FactorMin</pMin>
-        <pMax>FactorMax</pMax>
-        <Unit>s</Unit>
-        <Representation>PureNumber</Representation>
-    </Float>
-)") + Reg{.kind = "FloatReg", .name = "FactorValue", .address = "0x100", .mode = "RW", .tail = noSign} +
-        Reg{.kind = "FloatReg", .name = "FactorMax", .address = "0x108", .tail = noSign} +
-        Reg{.kind = "FloatReg", .name = "FactorMin", .address = "0x110", .tail = noSign} +
-        Reg{.name = "FactorIsAvailable", .address = "0x118"} + Reg{.name = "FactorIsLocked", .address = "0x120"},
-    48};
+                           Reg{.kind = "FloatReg",
+                               .name = "FactorValue",
+                               .address = "0x100",
+                               .tail = "        <pInvalidator>I</pInvalidator>\n"
+                                       "        <Endianess>LittleEndian</Endianess>\n"} +
+                           Reg{.kind = "FloatReg", .name = "FactorMax", .address = "0x108", .tail = noSign} +
+                           Reg{.kind = "FloatReg", .name = "FactorMin", .address = "0x110", .tail = noSign} +
+                           Reg{.name = "FactorIsAvailable", .address = "0x118"},
+                       48,
+                       false,
+                       "",
+                       {{"IsAvailable", "NotWritten"},
+                        {"IsLocked", "L1"},
+                        {"IsLocked", "L2"},
+                        {"Invalidator", "I"},
+                        {"Selected", "NotWritten"}}};
 
 const KindRow booleanRow{
     "boolean without invalidators",
@@ -298,8 +279,8 @@ TEST(DescriptionText, OfEachKind)
     const KindRow gain{"the integer of the documentation",
                        [](FakeNode& node) { return std::make_shared<CIntegerNodeMapPort>(node.makeGain(), 0); },
                        gainText, 48};
-    for (const KindRow& row : {gain, integerRow, floatRow, floatCompanionsRow, booleanRow, commandRow,
-                               writeOnlyCommandRow, stringRow, categoryRow, emptyCategoryRow})
+    for (const KindRow& row : {gain, integerRow, floatRow, booleanRow, commandRow, writeOnlyCommandRow, stringRow,
+                               categoryRow, emptyCategoryRow})
     {
         SCOPED_TRACE(row.name);
         FakeNode node;

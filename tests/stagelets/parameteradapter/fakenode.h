@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "parameteradapter/anythingtonodemapadapterbase.h"
 #include "parameteradapter/parameterportrelay.h"
 
 namespace AnythingToNodeMapAdapter::Test {
@@ -91,6 +92,30 @@ struct FakeNode
         return std::make_shared<EnumEntryParameterPort<Mode>>(value, PortTexts{name}, flags);
     }
 };
+
+/// The features of addAll in their order.
+inline constexpr const char* allFeatures[] = {"Gain", "Count", "Factor", "Flag", "Text", "Mode", "Go"};
+
+/// Adds a parameter of each kind, two entries and the links between them. Gives the entry B, whose availability is
+/// read at run time.
+inline std::shared_ptr<EnumEntryParameterPort<Mode>> addAll(CAnythingToNodeMapAdapterBase& adapter, FakeNode& node)
+{
+    adapter.addParameter(node.makeGain());
+    adapter.addParameter(node.makeCount());
+    adapter.addParameter(node.makeFactor());
+    adapter.addParameter(node.makeFlag({.lockedRegister = true}));
+    adapter.addParameter(node.makeText());
+    adapter.addParameter(node.makeMode());
+    adapter.addEnumEntry("Mode", FakeNode::makeEntry("A", Mode::A));
+    const auto conditional = FakeNode::makeEntry("B", Mode::B, {.availableRegister = true});
+    adapter.addEnumEntry("Mode", conditional);
+    adapter.addParameter(node.makeGo());
+    adapter.addParameter(std::make_shared<CategoryParameterPort>("Root", "", "Everything", "", "Beginner"));
+    for (const char* name : allFeatures)
+        adapter.addLink(LinkKey::feature, "Root", name);
+    adapter.addLink(LinkKey::selected, "Count", "Text");
+    return conditional;
+}
 
 /// Counts the changes that ports report.
 struct CountingObserver : IParameterPortObserver

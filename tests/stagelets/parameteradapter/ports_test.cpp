@@ -11,8 +11,7 @@ namespace {
 struct WriteRow
 {
     const char* name;
-    std::function<void(bool fromNodeMap)> writeNew;
-    std::function<void(bool fromNodeMap)> writeSame;
+    std::function<void(bool isNew, bool fromNodeMap)> write;
     std::function<bool()> hasNew;
 };
 
@@ -32,17 +31,14 @@ TEST(ParameterPorts, TellTheObserverOfChangesFromTheNodesSideOnly)
         port->setObserver(&observer);
     }
     const WriteRow rows[] = {
-        {"Gain", [&](bool f) { gain->setValue(10, f); }, [&](bool f) { gain->setValue(5, f); },
-         [&] { return node.gain == 10; }},
-        {"Factor", [&](bool f) { factor->setValue(0.75, f); }, [&](bool f) { factor->setValue(0.5, f); },
+        {"Gain", [&](bool n, bool f) { gain->setValue(n ? 10 : 5, f); }, [&] { return node.gain == 10; }},
+        {"Factor", [&](bool n, bool f) { factor->setValue(n ? 0.75 : 0.5, f); },
          [&] { return node.factor == 0.75; }},
-        {"Flag", [&](bool f) { flag->setValue(true, f); }, [&](bool f) { flag->setValue(false, f); },
-         [&] { return node.flag; }},
-        {"Text", [&](bool f) { text->setValue("new", f); }, [&](bool f) { text->setValue("initial", f); },
+        {"Flag", [&](bool n, bool f) { flag->setValue(n, f); }, [&] { return node.flag; }},
+        {"Text", [&](bool n, bool f) { text->setValue(n ? "new" : "initial", f); },
          [&] { return node.text == "new"; }},
-        {"Mode", [&](bool f) { mode->setIntValue(1, f); }, [&](bool f) { mode->setIntValue(0, f); },
-         [&] { return node.mode == Mode::B; }},
-        {"Info", [&](bool f) { info.setValue("new", f); }, [&](bool f) { info.setValue("old", f); },
+        {"Mode", [&](bool n, bool f) { mode->setIntValue(n, f); }, [&] { return node.mode == Mode::B; }},
+        {"Info", [&](bool n, bool f) { info.setValue(n ? "new" : "old", f); },
          [&] {
              char buffer[4];
              info.getValue(buffer, sizeof(buffer));
@@ -52,13 +48,13 @@ TEST(ParameterPorts, TellTheObserverOfChangesFromTheNodesSideOnly)
     for (const WriteRow& row : rows) {
         SCOPED_TRACE(row.name);
         observer.names.clear();
-        row.writeSame(false);
+        row.write(false, false);
         EXPECT_TRUE(observer.names.empty());
-        row.writeNew(true);
+        row.write(true, true);
         EXPECT_TRUE(row.hasNew());
         EXPECT_TRUE(observer.names.empty());
-        row.writeSame(true);
-        row.writeNew(false);
+        row.write(false, true);
+        row.write(true, false);
         EXPECT_TRUE(row.hasNew());
         EXPECT_EQ(observer.names, std::vector<GenICam::gcstring>{row.name});
     }

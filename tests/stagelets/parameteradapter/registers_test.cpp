@@ -2,9 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <optional>
+#include <sstream>
 
 #include "fakenode.h"
+#include "parameteradapter/multiparameterportdemultiplexer.h"
 #include "parameteradapter/nodemapports.h"
 
 namespace AnythingToNodeMapAdapter::Test {
@@ -158,6 +159,28 @@ TEST_F(Registers, ReadStringsAndTheirCompanions)
         string.read(buffer.data(), row.offset, row.length);
         EXPECT_EQ(buffer, row.expected) << row.offset << " " << row.length;
     }
+}
+
+TEST_F(Registers, AreServedOnceSortedAndNotAddedAfterwards)
+{
+    std::ostringstream text;
+    std::int64_t address = 0;
+    CMultiParameterPortDemultiplexer demultiplexer;
+    const auto read = [&](std::int64_t at) {
+        std::int64_t word = -1;
+        demultiplexer.read(&word, at, 8);
+        return word;
+    };
+    for (CBasicNodeMapPort* port : std::initializer_list<CBasicNodeMapPort*>{&integer, &boolean})
+        port->placeAndDescribe(text, false, "Port", "", address);
+    node.flag = true;
+    demultiplexer.connect(nullptr);
+    demultiplexer.connect(&integer);
+    EXPECT_EQ(read(0), 0);
+    demultiplexer.sort();
+    demultiplexer.connect(&boolean);
+    EXPECT_EQ(read(0), 5);
+    EXPECT_EQ(read(48), 0);
 }
 
 TEST_F(Registers, WriteStrings)
