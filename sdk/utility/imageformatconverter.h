@@ -39,9 +39,9 @@ enum class OutputOrientationEnums : std::uint32_t
 ///   V = 0.5 R - 0.41869 G - 0.08131 B + 128; R = Y + 1.402 (V-128),
 ///   G = Y - 0.34414 (U-128) - 0.71414 (V-128), B = Y + 1.772 (U-128).
 /// - Chroma on input serves the nearest pixels: both of a pair, all four of a block. On output it is the mean over
-/// the
-///   pixels of its pair or block that exist, rounded half up. YUV to YUV does not go through RGB. The last pixel
-///   of a 4:2:2 row of odd width, which lacks its V, takes the V before it, or none (128) in a row of one pixel.
+///   the pixels of its pair or block that exist, rounded half up. YUV to YUV does not go through RGB. The last
+///   pixel of a 4:2:2 row of odd width, which lacks its V, takes the V before it, or none (128) in a row of one
+///   pixel.
 /// - Alpha is written as 0xFF, except that a copy in the same format keeps it.
 ///
 /// Rows. Padding stands behind each row of each plane, of the source as of the output, as ComputeImageLayout

@@ -9,10 +9,7 @@ class CPixelTypeMapper
 {
 public:
     /// Undefined for a name that is in no table, or null.
-    static EPixelType GetNivexPixelTypeByName(const char* name)
-    {
-        return name ? GetPixelTypeByName(name) : EPixelType::Undefined;
-    }
+    static EPixelType GetNivexPixelTypeByName(const char* name) { return GetPixelTypeByName(name); }
     /// As GetPixelTypeName.
     static const char* GetNameByPixelType(EPixelType pixelType) { return GetPixelTypeName(pixelType); }
 };
