@@ -8,6 +8,7 @@
 #include "base/emulation/emulatedbackend.h"
 
 #include "console.h"
+#include "logreporter.h"
 #include "units.h"
 
 namespace Host {
@@ -100,6 +101,15 @@ void addModuleOptions(CLI::App& app, CommandLine& result, RawOptions& raw)
     addCameraOption(*params, raw);
     addPackages(params);
 
+    CLI::App* pins = app.add_subcommand("pins", "List the pins of a fresh node of a module");
+    pins->add_option("MODULE", result.module.module, "Its name; all modules if left out");
+    addPackages(pins);
+
+    CLI::App* settings =
+        app.add_subcommand("settings", "Write the settings of a fresh node, to begin a recipe with");
+    settings->add_option("MODULE", result.module.module, "Its name")->required();
+    addPackages(settings);
+
     CLI::App* describe = app.add_subcommand("describe", "Write the register description of a fresh node");
     describe->add_option("MODULE", result.module.module, "Its name")->required();
     addPackages(describe);
@@ -189,6 +199,7 @@ struct CommandName
     Command command;
 };
 constexpr CommandName commandNames[] = {{"modules", Command::Modules},   {"params", Command::Params},
+                                        {"pins", Command::Pins},         {"settings", Command::Settings},
                                         {"describe", Command::Describe}, {"devices", Command::Devices},
                                         {"check", Command::Check},       {"run", Command::Run}};
 
@@ -212,21 +223,43 @@ Command commandOf(const CLI::App& app)
     return Command::Help;
 }
 
-/// The duration of --until-idle stands behind '=' only, for the recipe may follow.
+/// Gives each --until-idle of `run` its duration: the one behind it, or 2 s, for the recipe may follow too.
 void completeIdleOption(std::vector<std::string>& arguments)
 {
-    const auto end = std::find(arguments.begin(), arguments.end(), "--");
-    std::replace(arguments.begin(), end, std::string("--until-idle"), std::string("--until-idle=2s"));
+    if (arguments.empty() || arguments.front() != "run") return;
+    for (std::size_t i = 1; i < arguments.size() && arguments[i] != "--"; ++i) {
+        if (arguments[i] != "--until-idle") continue;
+        const bool hasDuration = i + 1 < arguments.size() && parseDuration(arguments[i + 1]);
+        arguments[i] += "=" + (hasDuration ? arguments[i + 1] : "2s");
+        if (hasDuration) arguments.erase(arguments.begin() + static_cast<std::ptrdiff_t>(i) + 1);
+    }
 }
 
-std::string helpAdvice(const CLI::App& app)
+/// What the parser did not know, with the option that is meant; empty if it knew all.
+std::string describeExtras(const CLI::App& app)
 {
     const auto chosen = app.get_subcommands();
-    return chosen.empty() ? "stagelet --help" : "stagelet " + chosen.front()->get_name() + " --help";
+    const auto extras = app.remaining(true);
+    if (chosen.empty() || extras.empty()) return {};
+    std::vector<std::string> known;
+    for (const CLI::Option* option : chosen.front()->get_options()) {
+        if (!option->get_positional()) known.push_back(option->get_name());
+    }
+    const std::string name = extras.front().substr(0, extras.front().find('='));
+    return "It does not take \"" + extras.front() + "\"." +
+           (name.starts_with('-') ? suggest(name, known) : std::string());
+}
+
+/// "stagelet", or "stagelet run".
+std::string commandName(const CLI::App& app)
+{
+    const auto chosen = app.get_subcommands();
+    return chosen.empty() ? "stagelet" : "stagelet " + chosen.front()->get_name();
 }
 
 int runCommand(const CommandLine& line, std::ostream& out)
 {
+    const LogToConsole log(line.run.logLevel);
     switch (line.command) {
         case Command::Help:
             out << line.text;
@@ -236,6 +269,12 @@ int runCommand(const CommandLine& line, std::ostream& out)
             break;
         case Command::Params:
             showParameters(line.module, out);
+            break;
+        case Command::Pins:
+            showPins(line.module, out);
+            break;
+        case Command::Settings:
+            showSettings(line.module, out);
             break;
         case Command::Describe:
             showDescription(line.module, out);
@@ -276,8 +315,10 @@ CommandLine parseCommandLine(std::vector<std::string> arguments)
         const auto chosen = app.get_subcommands();
         result.text = chosen.empty() ? app.help() : chosen.front()->help("stagelet");
         return result;
+    } catch (const CLI::ExtrasError&) {
+        refuse(commandName(app), describeExtras(app), commandName(app) + " --help");
     } catch (const CLI::ParseError& e) {
-        refuse("stagelet", e.what(), helpAdvice(app));
+        refuse(commandName(app), e.what(), commandName(app) + " --help");
     }
     convertModuleOptions(raw, result.module);
     result.devices = {result.module.emulatedCameras, raw.isJson};

@@ -16,6 +16,8 @@ enum class Command
     Help,  ///< `text` is all there is to write.
     Modules,
     Params,
+    Pins,
+    Settings,
     Describe,
     Devices,
     Check,

@@ -94,4 +94,16 @@ void LogReporter::reportRepeats()
     if (untold != 0) console_.writeLine("log: " + std::to_string(untold) + " entries of further kinds");
 }
 
+LogToConsole::LogToConsole(int level) : reporter_(std::make_shared<LogReporter>(getConsole()))
+{
+    Nivex::DataProcessing::Utils::setLogLevel(level);
+    Nivex::DataProcessing::Utils::setLogSink(reporter_);
+}
+
+LogToConsole::~LogToConsole()
+{
+    Nivex::DataProcessing::Utils::setLogSink(nullptr);
+    reporter_->reportRepeats();
+}
+
 }  // namespace Host

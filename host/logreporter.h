@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <string>
 
@@ -35,6 +36,20 @@ private:
     std::mutex mutex_;  // guards the members below
     std::map<std::string, Cause> causes_;
     std::uint64_t untold_ = 0;
+};
+
+/// The log goes to the console from its making to its end.
+class LogToConsole
+{
+public:
+    /// Entries of severity `level` and graver are shown.
+    explicit LogToConsole(int level);
+    ~LogToConsole();
+    LogToConsole(const LogToConsole&) = delete;
+    LogToConsole& operator=(const LogToConsole&) = delete;
+
+private:
+    const std::shared_ptr<LogReporter> reporter_;
 };
 
 /// The message without what stands in double quotes, and without numbers and addresses.

@@ -11,6 +11,7 @@
 #include "hosterror.h"
 #include "jsonbuild.h"
 #include "noderesources.h"
+#include "nodesettings.h"
 #include "packageset.h"
 #include "parameterreport.h"
 #include "recipe.h"
@@ -39,6 +40,8 @@ public:
     }
     FreshNode(const FreshNode&) = delete;
     FreshNode& operator=(const FreshNode&) = delete;
+
+    Core::NodeBase& operator*() const { return *node_; }
 
     /// Allocates the node's resources if need be. Raises HostError.
     GenApi::CNodeMapRef getMap(const std::string& identifier)
@@ -82,12 +85,6 @@ const Package& requirePackage(const PackageSet& packages, const std::string& mod
                     "No package has it." + suggest(module, packages.getModuleNames()), "stagelet modules");
 }
 
-HostError nodeNotMade(const std::string& module)
-{
-    return HostError(ExitCode::RunFailed, "node not made", module, describeCurrentException(),
-                     "stagelet modules, for the modules there are");
-}
-
 JsonObject toJson(const ModuleInfo& module, const Package& package)
 {
     JsonObject object;
@@ -122,37 +119,68 @@ std::string formatModuleJson(const PackageSet& packages)
     return formatJson(JsonValue(std::move(root)));
 }
 
-ModuleParameters readParameters(const Package& package, const ModuleInfo& module, const ModuleOptions& options)
+/// Acts on a fresh node of the module that the options name.
+template <typename Act>
+void withNode(const PackageSet& packages, const ModuleOptions& options, const Act& act)
 {
-    FreshNode fresh(package, module.name, options.emulatedCameras);
-    return {module, listParameters(fresh.getMap(options.map), options.visibility), {}};
+    const Package& package = requirePackage(packages, options.module);
+    try {
+        FreshNode fresh(package, options.module, options.emulatedCameras);
+        act(fresh);
+    } catch (const HostError&) {
+        throw;
+    } catch (...) {
+        throw HostError(ExitCode::RunFailed, "node not made", options.module, describeCurrentException(),
+                        "stagelet modules, for the modules there are");
+    }
+}
+
+/// The options for each module alone, if they name none.
+std::vector<ModuleOptions> eachModule(const PackageSet& packages, const ModuleOptions& options)
+{
+    if (!options.module.empty()) return {options};
+    std::vector<ModuleOptions> each;
+    for (const std::string& name : packages.getModuleNames()) {
+        each.push_back(options);
+        each.back().module = name;
+    }
+    return each;
 }
 
 std::vector<ModuleParameters> collectParameters(const PackageSet& packages, const ModuleOptions& options)
 {
     std::vector<ModuleParameters> result;
-    if (!options.module.empty()) {
-        const Package& package = requirePackage(packages, options.module);
+    for (const ModuleOptions& single : eachModule(packages, options)) {
         try {
-            result.push_back(readParameters(package, *package.findModule(options.module), options));
-        } catch (const HostError&) {
-            throw;
-        } catch (...) {
-            throw nodeNotMade(options.module);
-        }
-        return result;
-    }
-    for (const Package& package : packages.getPackages()) {
-        for (const ModuleInfo& module : package.getManifest().modules) {
-            try {
-                result.push_back(readParameters(package, module, options));
-            } catch (...) {
+            withNode(packages, single, [&](FreshNode& fresh) {
                 result.push_back(
-                    {module, {}, "A node of this module cannot be made: " + describeCurrentException()});
-            }
+                    {single.module, listParameters(fresh.getMap(options.map), options.visibility), {}});
+            });
+        } catch (const HostError& e) {
+            if (!options.module.empty()) throw;
+            result.push_back({single.module, {}, e.what()});
         }
     }
     return result;
+}
+
+/// The class of the values as recipes have to match it, "Array<Image>"; "any" where all are taken.
+std::string describeType(const Utils::TypeInfo& type)
+{
+    const std::string name = type.getName().str();
+    std::string text;
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        if (name.compare(i, 2, "::") == 0) {
+            const auto begin = text.find_last_of("<, ");
+            text.erase(begin == std::string::npos ? 0 : begin + 1);
+            ++i;
+        } else {
+            text += name[i];
+        }
+    }
+    constexpr std::string_view shared = "COWPtr<";
+    if (text.starts_with(shared)) text = text.substr(shared.size(), text.size() - shared.size() - 1);
+    return text.empty() || text == "IValue" ? "any" : text;
 }
 
 }  // namespace
@@ -180,7 +208,7 @@ void showParameters(const ModuleOptions& options, std::ostream& out)
     const auto modules = collectParameters(packages, options);
     switch (options.form) {
         case OutputForm::Text:
-            out << formatParameterTable(modules, getTerminalWidth(STDOUT_FILENO));
+            out << formatParameterText(modules, getTerminalWidth(STDOUT_FILENO));
             break;
         case OutputForm::Json:
             out << formatParameterJson(modules);
@@ -191,18 +219,32 @@ void showParameters(const ModuleOptions& options, std::ostream& out)
     }
 }
 
+void showPins(const ModuleOptions& options, std::ostream& out)
+{
+    const PackageSet packages(options.packages);
+    TextTable table({{"MODULE"}, {"PIN"}, {"DIRECTION"}, {"TYPE"}});
+    for (const ModuleOptions& single : eachModule(packages, options)) {
+        withNode(packages, single, [&](FreshNode& fresh) {
+            for (const auto& pin : (*fresh).getInputDescriptors())
+                table.addRow({single.module, pin.getName().str(), "input", describeType(pin.getType())});
+            for (const auto& pin : (*fresh).getOutputDescriptors())
+                table.addRow({single.module, pin.getName().str(), "output", describeType(pin.getType())});
+        });
+    }
+    out << table.toText(getTerminalWidth(STDOUT_FILENO));
+}
+
+void showSettings(const ModuleOptions& options, std::ostream& out)
+{
+    const PackageSet packages(options.packages);
+    withNode(packages, options, [&](FreshNode& fresh) { out << saveSettings(*fresh)->toText(); });
+}
+
 void showDescription(const ModuleOptions& options, std::ostream& out)
 {
     const PackageSet packages(options.packages);
-    const Package& package = requirePackage(packages, options.module);
-    try {
-        FreshNode fresh(package, options.module);
-        out << fresh.getMap(ownNodeMap).GetNodeMap()->GetDescriptionText();
-    } catch (const HostError&) {
-        throw;
-    } catch (...) {
-        throw nodeNotMade(options.module);
-    }
+    withNode(packages, options,
+             [&](FreshNode& fresh) { out << fresh.getMap(ownNodeMap).GetNodeMap()->GetDescriptionText(); });
 }
 
 }  // namespace Host

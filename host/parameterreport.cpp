@@ -1,5 +1,7 @@
 #include "parameterreport.h"
 
+#include <algorithm>
+
 #include "jsonbuild.h"
 #include "texttable.h"
 
@@ -30,6 +32,12 @@ std::string join(const std::vector<std::string>& texts)
     return result;
 }
 
+std::string describe(const ParameterRow& row)
+{
+    if (row.selectors.empty()) return row.toolTip;
+    return row.toolTip + (row.toolTip.empty() ? "" : " ") + "Selected by " + join(row.selectors) + ".";
+}
+
 void addRows(std::string& text, const std::vector<ParameterRow>& rows)
 {
     const std::string* category = nullptr;
@@ -40,17 +48,40 @@ void addRows(std::string& text, const std::vector<ParameterRow>& rows)
             text += "| Name | Kind | Value | Range | Access | Visibility | Description |\n";
             text += "|---|---|---|---|---|---|---|\n";
         }
-        std::string description = escapeMarkdown(row.toolTip);
-        if (!row.selectors.empty()) {
-            description += (description.empty() ? "" : " ");
-            description += "Selected by " + escapeMarkdown(join(row.selectors)) + ".";
-        }
         text += "| " + escapeMarkdown(row.name) + " | " + row.kind + " | " + escapeMarkdown(row.valueText) +
                 " | " + escapeMarkdown(describeRange(row)) + " | " + row.access + " | " + row.visibility + " | " +
-                description + " |\n";
+                escapeMarkdown(describe(row)) + " |\n";
         const ParameterRow* next = &row == &rows.back() ? nullptr : &row + 1;
         if (!next || next->category != row.category) text += "\n";
     }
+}
+
+std::string formatTable(const std::vector<ParameterRow>& rows)
+{
+    TextTable table({{"NAME"}, {"KIND"}, {"VALUE", 24}, {"RANGE", 32}, {"ACCESS"}, {"VISIBILITY"}, {"TOOL TIP"}});
+    for (const ParameterRow& row : rows) {
+        table.addRow(
+            {row.name, row.kind, row.valueText, describeRange(row), row.access, row.visibility, describe(row)});
+    }
+    return table.toText(0);
+}
+
+/// "NAME = value", as in a recipe, and below it what there is to say of it.
+void addParagraph(std::string& text, const ParameterRow& row, std::size_t width)
+{
+    constexpr std::size_t indent = 4;
+    constexpr std::size_t least = 20;
+    const auto addLines = [&](const std::string& line) {
+        if (line.empty()) return;
+        for (const std::string& part : wrap(escapeControls(line), std::max(width, least + indent) - indent))
+            text += std::string(indent, ' ') + part + "\n";
+    };
+    const bool hasValue = !std::holds_alternative<std::monostate>(row.value);
+    const bool isEmpty = row.valueText.empty();
+    text += escapeControls(row.name + (hasValue ? isEmpty ? " =" : " = " + row.valueText : "")) + "\n";
+    const std::string range = describeRange(row);
+    addLines(row.kind + (range.empty() ? "" : " (" + range + ")") + ", " + row.access + ", " + row.visibility);
+    addLines(describe(row));
 }
 
 JsonObject toJson(const ParameterRow& row)
@@ -75,22 +106,19 @@ JsonObject toJson(const ParameterRow& row)
 
 }  // namespace
 
-std::string formatParameterTable(const std::vector<ModuleParameters>& modules, std::size_t width)
+std::string formatParameterText(const std::vector<ModuleParameters>& modules, std::size_t width)
 {
     std::string text;
     for (const ModuleParameters& entry : modules) {
-        if (modules.size() > 1) text += (text.empty() ? "" : "\n") + entry.module.name + "\n";
+        if (modules.size() > 1) text += (text.empty() ? "" : "\n") + entry.module + "\n";
         if (!entry.failure.empty()) {
             text += escapeControls(entry.failure) + "\n";
-            continue;
+        } else if (width == 0) {
+            text += formatTable(entry.rows);
+        } else {
+            for (const ParameterRow& row : entry.rows)
+                addParagraph(text, row, width);
         }
-        TextTable table(
-            {{"NAME"}, {"KIND"}, {"VALUE", 24}, {"RANGE", 32}, {"ACCESS"}, {"VISIBILITY"}, {"TOOL TIP"}});
-        for (const ParameterRow& row : entry.rows) {
-            table.addRow(
-                {row.name, row.kind, row.valueText, describeRange(row), row.access, row.visibility, row.toolTip});
-        }
-        text += table.toText(width);
     }
     return text;
 }
@@ -99,7 +127,7 @@ std::string formatParameterMarkdown(const std::vector<ModuleParameters>& modules
 {
     std::string text = "# Parameters\n\nThe values are those of a fresh node.\n";
     for (const ModuleParameters& entry : modules) {
-        text += "\n## " + escapeMarkdown(entry.module.name) + "\n\n";
+        text += "\n## " + escapeMarkdown(entry.module) + "\n\n";
         if (entry.failure.empty()) {
             addRows(text, entry.rows);
             text.pop_back();
@@ -115,7 +143,7 @@ std::string formatParameterJson(const std::vector<ModuleParameters>& modules)
     JsonArray list;
     for (const ModuleParameters& entry : modules) {
         JsonObject object;
-        add(object, "module", entry.module.name);
+        add(object, "module", entry.module);
         if (entry.failure.empty()) {
             JsonArray rows;
             for (const ParameterRow& row : entry.rows)

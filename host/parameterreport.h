@@ -4,20 +4,19 @@
 #include <vector>
 
 #include "parameters.h"
-#include "runtime/packagemanifest.h"
 
 namespace Host {
 
 /// The parameters of one module, or why a node of it cannot be made.
 struct ModuleParameters
 {
-    Nivex::DataProcessing::Runtime::ModuleInfo module;
+    std::string module;
     std::vector<ParameterRow> rows;
     std::string failure;
 };
 
-/// Aligned columns; `width` as for TextTable.
-std::string formatParameterTable(const std::vector<ModuleParameters>& modules, std::size_t width);
+/// For a terminal of that width a paragraph per parameter; for `width` 0 a table, one parameter a line.
+std::string formatParameterText(const std::vector<ModuleParameters>& modules, std::size_t width);
 /// One table per category. The text depends on nothing but `modules`.
 std::string formatParameterMarkdown(const std::vector<ModuleParameters>& modules);
 /// {"schema": "stagelet-params/1", "modules": [{"module", "failure" or "parameters": [...]}]}

@@ -6,6 +6,7 @@
 
 #include "core/inodemapcontainer.h"
 #include "hosterror.h"
+#include "texttable.h"
 #include "units.h"
 
 namespace Host {
@@ -157,6 +158,22 @@ std::vector<std::string> listParameterNames(const CNodeMapRef& map)
     return names;
 }
 
+/// A text that was given, as messages show it: not all of a long one, and no control characters.
+std::string quote(const std::string& text)
+{
+    constexpr std::size_t most = 100;
+    const std::string shown = escapeControls(text.substr(0, most));
+    return "\"" + shown + (text.size() > most ? "...\" (" + std::to_string(text.size()) + " bytes)" : "\"");
+}
+
+/// Why the value is refused, which may repeat all of it.
+std::string describeRefusal()
+{
+    constexpr std::size_t most = 300;
+    const std::string cause = describeCurrentException();
+    return cause.size() > most ? cause.substr(0, most) + "..." : cause;
+}
+
 /// What a refused value should have been; never raises.
 std::string describeAllowed(INode& node)
 {
@@ -174,7 +191,7 @@ void requireEntry(IEnumeration& choice, const std::string& name, const std::stri
     if (choice.GetEntryByName(GenICam::gcstring(value))) return;
     StringList_t symbolics;
     choice.GetSymbolics(symbolics);
-    throw ParameterError("The parameter \"" + name + "\" has no entry \"" + value + "\".", value,
+    throw ParameterError("The parameter \"" + name + "\" has no entry " + quote(value) + ".", value,
                          toTexts(symbolics));
 }
 
@@ -212,7 +229,7 @@ void assignParameter(const CNodeMapRef& map, const std::string& name, const std:
     INode* node = map.GetNode(GenICam::gcstring(name));
     auto* parameter = dynamic_cast<IValue*>(node);
     if (!parameter || !getKindName(node->GetPrincipalInterfaceType())) {
-        throw ParameterError("There is no parameter \"" + name + "\".", name, listParameterNames(map));
+        throw ParameterError("There is no parameter " + quote(name) + ".", name, listParameterNames(map));
     }
     if (!IsWritable(node)) {
         throw ParameterError("The parameter \"" + name + "\" cannot be written now (its access is " +
@@ -221,13 +238,13 @@ void assignParameter(const CNodeMapRef& map, const std::string& name, const std:
     if (auto* choice = dynamic_cast<IEnumeration*>(node)) requireEntry(*choice, name, value);
     auto* command = dynamic_cast<ICommand*>(node);
     if (command && value != "Execute") {
-        throw ParameterError("The command \"" + name + "\" does not take \"" + value + "\". Allowed: Execute.");
+        throw ParameterError("The command \"" + name + "\" does not take " + quote(value) + ". Allowed: Execute.");
     }
     try {
         command ? command->Execute() : parameter->FromString(GenICam::gcstring(value));
     } catch (...) {
-        throw ParameterError("The parameter \"" + name + "\" does not take \"" + value +
-                             "\": " + describeCurrentException() + describeAllowed(*node));
+        throw ParameterError("The parameter \"" + name + "\" does not take " + quote(value) + ": " +
+                             describeRefusal() + describeAllowed(*node));
     }
 }
 

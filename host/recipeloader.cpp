@@ -2,11 +2,9 @@
 
 #include <algorithm>
 
-#include "core/advancednode.h"
-#include "core/simplenode.h"
 #include "hosterror.h"
+#include "nodesettings.h"
 #include "parameters.h"
-#include "runtime/jsonsettings.h"
 
 namespace Host {
 
@@ -14,17 +12,6 @@ using namespace Nivex::DataProcessing;
 using Runtime::ConnectionError;
 
 namespace {
-
-void loadSettings(Core::NodeBase& node, const std::shared_ptr<Core::ISettings>& settings)
-{
-    if (auto* simple = dynamic_cast<Core::SimpleNode*>(&node)) {
-        simple->loadSettings(settings);
-    } else if (auto* advanced = dynamic_cast<Core::AdvancedNode*>(&node)) {
-        advanced->loadSettings(settings);
-    } else {
-        GENICAM_THROW(RuntimeException, "The module has no settings.");
-    }
-}
 
 template <typename Descriptor>
 std::vector<std::string> namesOf(const std::vector<Descriptor>& pins)
@@ -137,15 +124,41 @@ private:
         return getNodeMap(node, identifier);
     }
 
+    /// Goes on after a refused value with the one that the node itself would save, so that all of them are told.
     void loadSettingsOf(const RecipeNode& node, FaultList& faults)
     {
         if (!node.settings) return;
-        const auto store = std::make_shared<Runtime::JsonSettings>(node.settings, GenICam::gcstring(folder_));
-        try {
-            loadSettings(*result_.graph->findNode(node.name), store);
-        } catch (...) {
+        Core::NodeBase& made = *result_.graph->findNode(node.name);
+        for (std::string cause, before; faults.getCount() < FaultList::most; before = cause) {
+            const auto store = std::make_shared<Runtime::JsonSettings>(node.settings, GenICam::gcstring(folder_));
+            try {
+                loadSettings(made, store);
+                return warnOfUnread(node, *store);
+            } catch (...) {
+                cause = describeCurrentException();
+            }
+            if (cause == before) return;
             faults.add(store->getRefusalPosition().value_or(node.settings->position), nodeObject(node.name),
-                       "The settings cannot be loaded: " + describeCurrentException());
+                       "The settings cannot be loaded: " + cause);
+            if (!replaceRefused(made, *store)) return;
+        }
+    }
+
+    static bool replaceRefused(Core::NodeBase& node, Runtime::JsonSettings& store)
+    {
+        try {
+            return store.replaceRefused(*saveSettings(node));
+        } catch (...) {
+            return false;  // The fault that is known is told; the others show when it is mended.
+        }
+    }
+
+    void warnOfUnread(const RecipeNode& node, const Runtime::JsonSettings& store)
+    {
+        for (const auto& entry : store.listUnread()) {
+            result_.warnings.addUnknown(entry.position, nodeObject(node.name),
+                                        "The module does not read the setting \"" + entry.path + "\".", entry.name,
+                                        entry.missed);
         }
     }
 

@@ -33,6 +33,8 @@ struct LoadedRecipe
     std::map<std::string, Nivex::DataProcessing::Core::NodeArgumentCollection> startArguments;
     /// Values for maps that did not exist yet; see applyPending.
     std::vector<NodeAssignment> pending;
+    /// Settings that no node asked for. No faults, as a store may hold those of another version.
+    FaultList warnings;
 };
 
 /// Makes the nodes, loads their settings, gives them their parameters and then those of the command line, and

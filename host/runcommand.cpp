@@ -12,11 +12,11 @@
 #include "cameras.h"
 #include "console.h"
 #include "core/errors.h"
-#include "logreporter.h"
-#include "parameters.h"
+#include "recipewarnings.h"
 #include "runreport.h"
 #include "stopsignals.h"
 #include "texttable.h"
+#include "units.h"
 
 namespace Host {
 
@@ -79,31 +79,10 @@ LoadedRecipe load(const RunOptions& options)
                                      file.parent_path().string(), options.assignments, faults, assignmentFaults);
     requireNoFaults(options.recipe, faults);
     requireNoFaults(assignmentFaults);
+    addWarnings(recipe, *loaded.graph, loaded.warnings);
+    for (const std::string& line : loaded.warnings.toLines(options.recipe))
+        getConsole().writeLine("warning: " + line);
     return loaded;
-}
-
-/// The value of a node's text parameter; empty if it has none such.
-std::string readTextParameter(Core::NodeBase& node, const char* name)
-{
-    try {
-        const auto map = getNodeMap(node, ownNodeMap);
-        auto* parameter = map ? dynamic_cast<GenApi::IString*>(map->GetNode(name)) : nullptr;
-        return parameter && GenApi::IsReadable(parameter) ? parameter->GetValue().str() : std::string();
-    } catch (const ParameterError&) {
-        return {};
-    }
-}
-
-void warnOfMissingFolders(const Graph& graph)
-{
-    for (const std::string& name : graph.getNodeNames()) {
-        const std::string folder = readTextParameter(*graph.findNode(name), "OutputFolderName");
-        std::error_code error;
-        if (!folder.empty() && !std::filesystem::is_directory(folder, error)) {
-            getConsole().writeLine("warning: " + nodeObject(name) + ": The output folder \"" +
-                                   escapeControls(folder) + "\" does not exist; nothing will be written there.");
-        }
-    }
 }
 
 /// Shows on a terminal how a run goes on, from its making to its end.
@@ -147,32 +126,12 @@ private:
     std::thread thread_;
 };
 
-/// The log goes to the console from its making to its end.
-class LogToConsole
-{
-public:
-    explicit LogToConsole(int level)
-    {
-        Utils::setLogLevel(level);
-        Utils::setLogSink(reporter_);
-    }
-    ~LogToConsole()
-    {
-        Utils::setLogSink(nullptr);
-        reporter_->reportRepeats();
-    }
-    LogToConsole(const LogToConsole&) = delete;
-    LogToConsole& operator=(const LogToConsole&) = delete;
-
-private:
-    std::shared_ptr<LogReporter> reporter_ = std::make_shared<LogReporter>(getConsole());
-};
-
 bool isOfDevice(const Core::IError& error)
 {
     const auto& parents = error.getParentErrors();
     return dynamic_cast<const Core::DeviceError*>(&error) ||
-           std::any_of(parents.begin(), parents.end(), [](const auto& parent) { return isOfDevice(*parent); });
+           std::any_of(parents.begin(), parents.end(),
+                       [](const auto& parent) { return parent && isOfDevice(*parent); });
 }
 
 /// Tells the errors of all nodes. CameraLost if one of them is a camera's, RunFailed otherwise.
@@ -193,25 +152,13 @@ ExitCode reportNodeErrors(const Graph& graph)
     return code;
 }
 
-bool hasNodeError(const Graph& graph)
-{
-    const auto names = graph.getNodeNames();
-    return std::any_of(names.begin(), names.end(),
-                       [&graph](const std::string& name) { return graph.findNode(name)->hasError(); });
-}
-
-/// The same, for after a failure. That a camera is gone is told on a thread of its own, maybe a moment after the
-/// failure that comes of it.
+/// For after a failure. That a camera is gone is told on a thread of its own, maybe a moment after the failure
+/// that comes of it.
 bool hasNodeErrorSoon(const LoadedRecipe& recipe)
 {
     const bool usesDevices = std::any_of(recipe.resources.begin(), recipe.resources.end(),
                                          [](const auto& entry) { return entry.second->usesDevices(); });
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(usesDevices ? 300 : 0);
-    while (!hasNodeError(*recipe.graph)) {
-        if (std::chrono::steady_clock::now() >= end) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
+    return recipe.graph->waitForNodeError(std::chrono::milliseconds(usesDevices ? 300 : 0));
 }
 
 void setLateParameters(const LoadedRecipe& recipe, const RunOptions& options)
@@ -255,6 +202,28 @@ bool startRecipe(LoadedRecipe& recipe, const RunOptions& options)
     }
 }
 
+/// Tells once that a run which is to end otherwise has become idle: its sources may have sent all they have.
+Graph::Event waitForEnd(Graph& graph, const RunOptions& options)
+{
+    using std::chrono::nanoseconds;
+    const nanoseconds time = options.time.value_or(nanoseconds(0));
+    const bool mayIdle = options.idle || (options.time && options.updates == 0);
+    if (mayIdle) return graph.wait(time, options.idle.value_or(nanoseconds(0)));
+
+    const auto begin = std::chrono::steady_clock::now();
+    const Graph::Event event = graph.wait(time, options.idleNote);
+    if (event != Graph::Event::Idle) return event;
+    const std::string wanted = options.updates == 0 ? "" : " of " + std::to_string(options.updates);
+    getConsole().writeLine("note: " + options.recipe + ": Nothing has begun for " +
+                           formatDuration(options.idleNote) + "; " +
+                           std::to_string(graph.getStatistics().offered) + wanted +
+                           " updates have come so far, and the run waits for more.\n"
+                           "try: Ctrl-C, which ends it in order, or next time --until-idle");
+    if (!options.time) return graph.wait(nanoseconds(0), nanoseconds(0));
+    return graph.wait(std::max<nanoseconds>(begin + time - std::chrono::steady_clock::now(), nanoseconds(1)),
+                      nanoseconds(0));
+}
+
 /// From allocation to stop. What ended the run is the result.
 Graph::Event execute(LoadedRecipe& recipe, const RunOptions& options, StopSignals& signals)
 {
@@ -263,8 +232,7 @@ Graph::Event execute(LoadedRecipe& recipe, const RunOptions& options, StopSignal
     if (!startRecipe(recipe, options)) return Graph::Event::NodeError;
     const ProgressDisplay progress(graph);
     signals.onStop([&graph] { graph.requestStop(); });
-    const Graph::Event event = graph.wait(options.time.value_or(std::chrono::nanoseconds(0)),
-                                          options.idle.value_or(std::chrono::nanoseconds(0)));
+    const Graph::Event event = waitForEnd(graph, options);
     signals.onStop({});
     graph.stop();
     return event;
@@ -298,7 +266,6 @@ ExitCode judge(const RunOptions& options, Graph::Event event, const RunStatistic
 
 void checkRecipe(const RunOptions& options, std::ostream& out)
 {
-    const LogToConsole log(options.logLevel);
     const LoadedRecipe recipe = load(options);
     const std::size_t count = recipe.graph->getNodeNames().size();
     out << options.recipe << ": in order, " << count << (count == 1 ? " node" : " nodes");
@@ -316,9 +283,7 @@ ExitCode runRecipe(const RunOptions& options, std::ostream& out)
     signal(SIGPIPE, SIG_IGN);  // NOLINT(cert-err33-c)
     signal(SIGXFSZ, SIG_IGN);  // NOLINT(cert-err33-c)
     StopSignals signals;
-    const LogToConsole log(options.logLevel);
     LoadedRecipe recipe = load(options);
-    warnOfMissingFolders(*recipe.graph);
     const Graph::Event event = execute(recipe, options, signals);
     const ExitCode failure = event == Graph::Event::NodeError ? reportNodeErrors(*recipe.graph) : ExitCode::Done;
     const RunStatistics statistics = recipe.graph->getStatistics();

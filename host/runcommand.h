@@ -20,6 +20,8 @@ struct RunOptions
         time;                   ///< Alone: how long it runs. Beside another end: the most it may take.
     std::uint64_t updates = 0;  ///< 0: no limit.
     std::optional<std::chrono::nanoseconds> idle;
+    /// When a run that waits for another end than idleness says that it is idle. No option; tests shorten it.
+    std::chrono::nanoseconds idleNote = std::chrono::seconds(5);
     std::vector<NodeAssignment> assignments;
     std::size_t emulatedCameras = 0;
     bool wantsStatistics = false;

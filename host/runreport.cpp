@@ -57,16 +57,16 @@ JsonObject toJson(const NodeStatistics& node)
     return object;
 }
 
-/// "3 (2 load_failed, 1 file_not_written)", "0".
-std::string describeLosses(const LossCounts& lost)
+/// " (2 load_failed, 1 file_not_written)"; empty without losses.
+std::string describeCauses(const LossCounts& lost)
 {
     std::string causes;
     for (std::size_t i = 0; i < lost.size(); ++i) {
         if (lost[i] == 0) continue;
         causes +=
-            (causes.empty() ? "" : ", ") + std::to_string(lost[i]) + " " + std::string(Core::lossCauseNames[i]);
+            (causes.empty() ? " (" : ", ") + std::to_string(lost[i]) + " " + std::string(Core::lossCauseNames[i]);
     }
-    return std::to_string(sum(lost)) + (causes.empty() ? "" : " (" + causes + ")");
+    return causes.empty() ? causes : causes + ")";
 }
 
 double perSecond(std::uint64_t count, std::chrono::nanoseconds duration)
@@ -132,11 +132,12 @@ std::string formatSummary(const RunStatistics& statistics)
     for (const NodeStatistics& node : statistics.nodes) {
         table.addRow({node.name, std::to_string(node.in), std::to_string(node.out), std::to_string(node.failed),
                       std::to_string(node.files), formatSize(node.bytes),
-                      formatDuration(std::chrono::nanoseconds(node.stepMeanNs)), describeLosses(node.lost)});
+                      formatDuration(std::chrono::nanoseconds(node.stepMeanNs)),
+                      std::to_string(sum(node.lost)) + describeCauses(node.lost)});
     }
     return table.toText(0) + std::to_string(statistics.offered) + " updates offered, " +
-           std::to_string(statistics.finished) + " finished, " + describeLosses(statistics.lost) + " lost, in " +
-           formatDuration(statistics.duration) + " (" +
+           std::to_string(statistics.finished) + " finished, " + std::to_string(sum(statistics.lost)) + " lost" +
+           describeCauses(statistics.lost) + ", in " + formatDuration(statistics.duration) + " (" +
            formatRate(perSecond(statistics.finished, statistics.duration)) + ")";
 }
 

@@ -36,7 +36,8 @@ std::size_t byteOffset(std::string_view text, std::size_t count)
     return offset;
 }
 
-/// Breaks at blanks where there are any in reach.
+}  // namespace
+
 std::vector<std::string> wrap(std::string_view text, std::size_t width)
 {
     std::vector<std::string> lines;
@@ -50,6 +51,8 @@ std::vector<std::string> wrap(std::string_view text, std::size_t width)
     lines.emplace_back(text);
     return lines;
 }
+
+namespace {
 
 std::string pad(const std::string& text, std::size_t width, bool isRightAligned)
 {
@@ -97,7 +100,7 @@ std::vector<std::size_t> TextTable::computeWidths(std::size_t width) const
         for (const auto& row : rows_)
             longest = std::max(longest, countCharacters(row[i]));
         const std::size_t limit = columns_[i].widthLimit;
-        widths.push_back(width != 0 && limit != 0 ? std::min(longest, limit) : longest);
+        widths.push_back(limit != 0 ? std::min(longest, limit) : longest);
     }
     if (width == 0) return widths;
     std::size_t used = 0;

@@ -10,6 +10,9 @@ namespace Host {
 /// as a command.
 std::string escapeControls(std::string_view text);
 
+/// Breaks at blanks where there are any in reach. `width` 0 is no limit.
+std::vector<std::string> wrap(std::string_view text, std::size_t width);
+
 /// Lines up texts in columns, two blanks apart.
 class TextTable
 {
@@ -17,8 +20,8 @@ public:
     struct Column
     {
         std::string title;
-        /// How wide the column may be where the width is limited; longer cells then go on below. 0: as wide as its
-        /// longest cell. The last column gets what the others leave.
+        /// How wide the column may be: longer cells go on below where the table's width is limited, and stick out
+        /// where it is not. 0: as wide as its longest cell. The last column gets what the others leave.
         std::size_t widthLimit = 0;
         bool isRightAligned = false;
     };

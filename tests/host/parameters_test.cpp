@@ -42,10 +42,10 @@ GenApi::CNodeMapRef makeMap()
 std::vector<ModuleParameters> makeModules()
 {
     ModuleParameters fake;
-    fake.module.name = "Fake";
+    fake.module = "Fake";
     fake.rows = listParameters(makeMap(), GenApi::Invisible);
     ModuleParameters other;
-    other.module.name = "Other_one";
+    other.module = "Other_one";
     other.failure = "No node: <x>";
     return {fake, other};
 }
@@ -72,7 +72,7 @@ TEST(Parameters, TakeTextsAndSayWhatIsAllowed)
     const struct
     {
         const char* name;
-        const char* value;
+        std::string value;
         const char* text;
     } cases[] = {
         {"Width", "13", "Allowed: 4 to 64 step 4 px."},
@@ -82,6 +82,8 @@ TEST(Parameters, TakeTextsAndSayWhatIsAllowed)
         {"Go", "1", "Allowed: Execute."},
         {"Total", "1", "cannot be written now (its access is RO)"},
         {"With", "1", "no parameter \"With\""},
+        {"Width", std::string("1\0002", 3), "does not take \"1\\x002\": "},
+        {"Width", std::string(101, '7'), "777...\" (101 bytes): "},
         {"Inner", "1", "no parameter \"Inner\""},
     };
     for (const auto& c : cases) {
@@ -94,15 +96,30 @@ TEST(Parameters, TakeTextsAndSayWhatIsAllowed)
     }
 }
 
-TEST(ParameterReport, TableWrapsToTheTerminal)
+TEST(ParameterReport, TextIsATableInAFileAndParagraphsOnATerminal)
 {
-    EXPECT_EQ(formatParameterTable({makeModules()[0]}, 0),
+    EXPECT_EQ(formatParameterText({makeModules()[0]}, 0),
               "NAME   KIND         VALUE  RANGE              ACCESS  VISIBILITY  TOOL TIP\n"
               "Width  Integer      8      4 to 64 step 4 px  RW      Beginner    How wide <it> is.\n"
               "Gain   Float        0.1    from -1            RW      Expert\n"
               "Mode   Enumeration  On     Off, On            RW      Beginner\n"
               "Go     Command                                RW      Beginner\n"
               "Total  Integer      -1                        RO      Guru\n");
+    EXPECT_EQ(formatParameterText({makeModules()[0]}, 26),
+              "Width = 8\n"
+              "    Integer (4 to 64 step\n"
+              "    4 px), RW, Beginner\n"
+              "    How wide <it> is.\n"
+              "Gain = 0.1\n"
+              "    Float (from -1), RW,\n"
+              "    Expert\n"
+              "Mode = On\n"
+              "    Enumeration (Off, On),\n"
+              "    RW, Beginner\n"
+              "Go\n"
+              "    Command, RW, Beginner\n"
+              "Total = -1\n"
+              "    Integer, RO, Guru\n");
     TextTable table({{"A", 4}, {"B", 0, true}, {"C"}});
     table.addRow({"\xC3\xBC\xC3\xBC \xC3\xBC", "1", "words that go on below\x1b"});
     table.addRow({"abcdef", "22", ""});
@@ -112,6 +129,10 @@ TEST(ParameterReport, TableWrapsToTheTerminal)
               "          below\\x1b\n"
               "abcd  22\n"
               "ef\n");
+    TextTable wide({{"A", 3}, {"B"}});
+    wide.addRow({"abcd", "x"});
+    wide.addRow({"ab", "x"});
+    EXPECT_EQ(wide.toText(0), "A    B\nabcd  x\nab   x\n") << "one long cell moves its own line only";
 }
 
 TEST(ParameterReport, MarkdownShowsEveryTextAsItIs)

@@ -3,6 +3,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <future>
@@ -88,7 +89,13 @@ TEST(CommandLine, FaultsAreToldWithACure)
          "wrong command line: rum: There is no such command. Did you mean \"run\"?",
          "try: stagelet --help"},
         {{"run"}, 2, "RECIPE is required", "try: stagelet run --help"},
-        {{"run", "x", "--fro", "3s"}, 2, "--fro", "try: stagelet run --help"},
+        {{"run", "x", "--fro=3s"},
+         2,
+         "stagelet run: It does not take \"--fro=3s\". Did you mean \"--for\"?",
+         "try: stagelet run --help"},
+        {{"check", "x", "--until-idle"}, 2, "stagelet check: It does not take \"--until-idle\".", "check --help"},
+        {{"run", "/nowhere/x.json", "--until-idle", "3s"}, 3, "recipe not read: ", "try: "},
+        {{"run", "--until-idle", "/nowhere/x.json"}, 3, "recipe not read: ", "try: "},
         {{"run", "x", "--for", "3"}, 2, "wrong command line: --for: \"3\" is no duration.", "90s"},
         {{"run", "x", "--until-idle=3"}, 2, "--until-idle: \"3\"", "90s"},
         {{"run", "x", "--updates", "0"}, 2, "--updates: \"0\"", "from 1 to"},
@@ -113,7 +120,6 @@ TEST(CommandLine, FaultsAreToldWithACure)
          2,
          "unknown module: Sorce: No package has it. Did you mean \"Source\"?",
          "modules"},
-        {{"run", "/nowhere/x.json", "--until-idle"}, 3, "recipe not read: /nowhere/x.json: ", "try: "},
         {{"modules", "--package", "/nowhere/p.so"}, 4, "package not loaded: /nowhere/p.so: ", "--package FILE"},
         {{"modules", package, package}, 4, "It has a module \"Source\", as has", "one of the two"},
     };
@@ -144,6 +150,9 @@ TEST(CommandLine, ResultsGoToStdoutOnly)
         {{"params", package}, "Refuse  Integer  0      0 to 1"},
         {{"params", "Sink", "--markdown", package}, "| Pins | Integer | 1 | 1 to 9 |"},
         {{"params", "Grabber", "--map=@Device", "--emulated-cameras=1", package}, "Camera  Integer"},
+        {{"pins", "Sink", package}, "Sink    In1  input      String\n"},
+        {{"pins", package}, "Source   Text  output     String\n"},
+        {{"settings", "Source", package}, "\"count\": 3\n"},
         {{"devices", "--json"}, "\"devices\": []"},
     };
     for (const auto& c : cases) {
@@ -175,7 +184,7 @@ TEST_F(RunTest, ExitCodesTellWhatCameOfIt)
         const char* err;
     } cases[] = {
         {"ends at its updates", 50, {"--updates", "20"}, 0, "20 updates offered, 20 finished, 0 lost"},
-        {"ends when idle", 5, {"--until-idle=10ms"}, 0, "5 updates offered, 5 finished, 0 lost"},
+        {"ends when idle", 5, {"--until-idle=500ms"}, 0, "5 updates offered, 5 finished, 0 lost"},
         {"ends after its time", 5, {"--for", "50ms"}, 0, "5 updates offered"},
         {"its time passes before its updates", 5, {"--for", "50ms", "--updates", "6"}, 9, "timed out: "},
         {"a node refuses", 5, {"--updates", "5", "--set", "Source.Refuse=1"}, 1, "It was told to refuse."},
@@ -184,7 +193,7 @@ TEST_F(RunTest, ExitCodesTellWhatCameOfIt)
          5,
          {"--updates", "5", "--set=Sink.Cause=6"},
          0,
-         "5 (5 conversion_failed) lost"},
+         "0 finished, 5 lost (5 conversion_failed), in"},
         {"as many as allowed", 5, {"--updates", "5", "--set=Sink.Cause=6", "--max-drops=5"}, 0, "lost"},
         {"more than allowed", 5, {"--updates", "5", "--set=Sink.Cause=6", "--max-drops=4"}, 8, "allowed are 4"},
         {"a rule loses nothing",
@@ -246,7 +255,7 @@ TEST_F(RunTest, CamerasThatAreMissingOrLostHaveExitCodesOfTheirOwn)
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         std::vector<std::string> options = c.options;
-        options.insert(options.end(), {"--until-idle=10ms", "--for=60s"});
+        options.insert(options.end(), {"--until-idle=500ms", "--for=60s"});
         const Outcome outcome = runRecipe(5, options, "run", "Grabber");
         EXPECT_EQ(outcome.code, c.code) << outcome.err;
         EXPECT_THAT(outcome.err, HasSubstr(c.err));
@@ -271,6 +280,26 @@ TEST_F(RunTest, StatisticsStandAloneOnStdoutAndRepeatsAreCounted)
               std::string::npos);
 }
 
+// A source that has sent all it has must not look like a program that hangs.
+TEST_F(RunTest, SaysOnceThatItWaits)
+{
+    runRecipe(5, {}, "check");
+    RunOptions options;
+    options.recipe = file_.string();
+    options.packages = {package + std::strlen("--package=")};
+    options.updates = 6;
+    options.time = std::chrono::milliseconds(200);
+    options.idleNote = std::chrono::milliseconds(50);
+    std::ostringstream out;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(Host::runRecipe(options, out), ExitCode::TimedOut);
+    const std::string err = testing::internal::GetCapturedStderr();
+    const auto note = err.find("Nothing has begun for 50 ms; ");
+    ASSERT_NE(note, std::string::npos) << err;
+    EXPECT_THAT(err, HasSubstr(" of 6 updates have come so far"));
+    EXPECT_EQ(err.find("Nothing has begun", note + 1), std::string::npos) << err;
+}
+
 TEST_F(RunTest, CheckTellsTheFaultsOfTheFile)
 {
     EXPECT_THAT(runRecipe(5, {}, "check").out, HasSubstr(": in order, 2 nodes\n"));
@@ -278,6 +307,18 @@ TEST_F(RunTest, CheckTellsTheFaultsOfTheFile)
     EXPECT_EQ(outcome.code, 3);
     EXPECT_EQ(outcome.out, "");
     EXPECT_TRUE(outcome.err.starts_with(file_.string() + ":2:67: node \"Source\": ")) << outcome.err;
+    std::ofstream(file_) << R"({"Recipe": 1, "Nodes": [
+        {"Name": "Source", "Module": "Source", "Settings": {"images": {"count": 3, "cuont": 3}, "refuze": 0}},
+        {"Name": "Sink", "Module": "Sink"}]})";
+    const Outcome doubtful = run({"check", file_.string(), package});
+    EXPECT_EQ(doubtful.code, 0);
+    const std::string warning = "warning: " + file_.string();
+    EXPECT_EQ(doubtful.err,
+              warning + ":2:9: node \"Source\": No output is connected; nothing takes what it gives.\n" + warning +
+                  ":2:84: node \"Source\": The module does not read the setting \"images.cuont\".\n" + warning +
+                  ":2:97: node \"Source\": The module does not read the setting \"refuze\". Did you mean "
+                  "\"refuse\"?\n" +
+                  warning + ":3:9: node \"Sink\": No input is connected; it will have nothing to do.\n");
     EXPECT_THAT(outcome.err, HasSubstr("recipe invalid: " + file_.string() + ": 1 fault\ntry: "));
 }
 

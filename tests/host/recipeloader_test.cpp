@@ -80,7 +80,7 @@ TEST_F(RecipeLoaderTest, TellsTheFaultsOfAllStages)
 {
     load(R"({ "Recipe": 1, "Nodes": [
  { "Name": "A", "Module": "Sorce" },
- { "Name": "B", "Module": "Source", "Settings": { "images": { "count": "7" } } },
+ { "Name": "B", "Module": "Source", "Settings": { "images": { "count": "7" }, "refuse": 0.5 } },
  { "Name": "C", "Module": "Source", "Settings": { "images": {
      "cont": 7 } } },
  { "Name": "D", "Module": "Sink", "Parameters": [ "Pin = 2", "Pins = 10", "Pins = x", "@Lat/Pins = 1" ] },
@@ -90,6 +90,7 @@ TEST_F(RecipeLoaderTest, TellsTheFaultsOfAllStages)
     expectFaults(faults, {
                              {2, 27, "node \"A\"", "There is no module \"Sorce\". Did you mean \"Source\"?"},
                              {3, 72, "node \"B\"", "\"images.count\" is \"7\""},
+                             {3, 89, "node \"B\"", "\"refuse\" is 0.5"},
                              {4, 61, "node \"C\"", "\"images.count\" is missing"},
                              {6, 51, "node \"D\"", "no parameter \"Pin\". Did you mean \"Pins\"?"},
                              {6, 62, "node \"D\"", "Allowed: 1 to 9."},

@@ -91,7 +91,7 @@ TEST(RunReport, SummaryAndProgress)
         formatSummary(statistics),
         "NODE    IN  OUT  FAILED  FILES      SIZE  STEP  LOST\n"
         "Writer  98    1       4     89  3.00 MiB  2 us  4 (4 file_not_written)\n"
-        "100 updates offered, 90 finished, 10 (2 load_failed, 3 file_not_written, 5 refused_by_rule) lost, in "
+        "100 updates offered, 90 finished, 10 lost (2 load_failed, 3 file_not_written, 5 refused_by_rule), in "
         "2.5 s (36.0/s)");
     RunStatistics before;
     before.finished = 80;

@@ -56,7 +56,7 @@ TEST_F(BadInputTest, AllFaultsOfARecipeAreToldInOneGo)
     const std::string text = R"({ "Recipe": 1, "Author": "me",
   "Nodes": [
     { "Name": "Loader", "Module": "ImageLoading",
-      "Settings": { "sourcePath": "images", "framesPerSecond": "fast" } },
+      "Settings": { "sourcePath": "images", "framesPerSecond": "fast", "runContinuously": "no" } },
     { "Name": "Second", "Module": "ImageLoadng", "Setings": {} },
     { "Name": "Grey", "Module": "ImageFormatConverter",
       "Parameters": [ "OutputPixelFormat = Mono9", "MaxNumThreads = 65" ] },
@@ -78,6 +78,7 @@ TEST_F(BadInputTest, AllFaultsOfARecipeAreToldInOneGo)
     const ExpectedFault expected[] = {
         {"\"Author\"", {"recipe: ", "The key \"Author\" is not known."}},
         {"\"fast\"", {"node \"Loader\": ", "framesPerSecond", "\"fast\""}},
+        {"\"no\"", {"node \"Loader\": ", "runContinuously", "\"no\""}},
         {"\"ImageLoadng\"", {"node \"Second\": ", "Did you mean \"ImageLoading\"?"}},
         {"\"Setings\"", {"node \"Second\": ", "Did you mean \"Settings\"?"}},
         {"\"OutputPixelFormat = Mono9\"", {"node \"Grey\": ", "Did you mean \"Mono8\"?"}},
@@ -131,6 +132,11 @@ TEST_F(BadInputTest, FaultsOfTheWholeRecipe)
         {"another version", "{\"Recipe\": 2, \"Nodes\": []}", {":1:12: ", "must be 1"}},
         {"name taken", writer("A\", \"Module\": \"DataWriter\"}, {\"Name\": \"A", ""), {":1:", "already"}},
         {"to itself", writer("A", R"(, "Connections": ["A.Image -> A.Image"])"), {"A.Image -> A.Image", "cycle"}},
+        {"a longer way round",
+         writer("A\", \"Module\": \"ImageFormatConverter\"}, {\"Name\": \"B", R"(,
+          "Connections": ["A.Image -> B.Image",
+           "B.Image -> A.Image"])"),
+         {":3:12: ", "\"B.Image -> A.Image\"", "cycle", ": 1 fault\n"}},
         {"too deep", nested(65), {"64"}},
         {"much too deep", nested(1000000), {"64"}},
         {"too long",
@@ -147,21 +153,6 @@ TEST_F(BadInputTest, FaultsOfTheWholeRecipe)
     }
     EXPECT_THAT(refuse((folder / "none.json").string(), 3), HasSubstr("none.json: "));
     EXPECT_THAT(refuse(folder.string(), 3), HasSubstr("recipe not read: " + folder.string()));
-}
-
-// A cycle that is longer than one node, told at the connection that closes it.
-TEST_F(BadInputTest, CyclesAreRefused)
-{
-    json recipe = {{"Recipe", 1},
-                   {"Connections", {"A.Image -> B.Image", "B.Image -> C.Image", "C.Image -> A.Image"}}};
-    for (const char* name : {"A", "B", "C"})
-        recipe["Nodes"].push_back({{"Name", name}, {"Module", "ImageFormatConverter"}});
-    const std::string text = recipe.dump(1);
-    const std::string file = writeRecipe(text).string();
-    const std::string told = refuse(file, 3);
-    EXPECT_THAT(lineWith(told, file + ":" + positionOf(text, "\"C.Image -> A.Image\"") + ": "), HasSubstr("cycle"))
-        << told;
-    EXPECT_THAT(told, HasSubstr(": 1 fault\n"));
 }
 
 TEST_F(BadInputTest, PackagesThatCannotBeUsed)
@@ -194,26 +185,6 @@ TEST_F(BadInputTest, PackagesThatCannotBeUsed)
     // The package is in order, but the recipe needs another one.
     EXPECT_THAT(refuse(recipe, 3, {"--package", fakes + "good.so"}),
                 HasSubstr("There is no module \"ImageLoading\""));
-}
-
-TEST_F(BadInputTest, ValuesOfTheCommandLine)
-{
-    saveNumbered(1, 8);
-    const std::string recipe = writeRecipe(loadAndWrite().dump()).string();
-    const std::pair<const char*, std::vector<const char*>> cases[] = {
-        {"Loder.SortBy=Random", {"no node \"Loder\"", "Did you mean \"Loader\"?"}},
-        {"Loader.SortB=Random", {"Did you mean \"SortBy\"?"}},
-        {"Loader.SortBy=Randm", {"\"Randm\"", "Random"}},
-        {"Loader.FramesPerSecond=501", {"\"501\"", "1 to 500"}},
-        {"Writer.UsedSessionFolderPath=x", {"UsedSessionFolderPath"}},
-        {"Writer", {"no assignment"}},
-    };
-    for (const auto& [assignment, parts] : cases) {
-        const std::string told = refuse(recipe, 2, {"--set", assignment});
-        EXPECT_THAT(told, HasSubstr(assignment));
-        for (const char* part : parts)
-            EXPECT_THAT(told, HasSubstr(part));
-    }
 }
 
 // The recipe is in order, but a node refuses to start: the others are stopped again.

@@ -88,6 +88,21 @@ TEST_F(CommandsTest, ParameterDocumentIsUpToDate)
         << "If the change is meant: stagelet params --markdown > docs/parameters.md";
 }
 
+// What a fresh node saves can stand in a recipe as it is.
+TEST_F(CommandsTest, SettingsAreThoseThatRecipesTake)
+{
+    for (const char* module : modules) {
+        SCOPED_TRACE(module);
+        const json node = {
+            {"Name", "N"}, {"Module", module}, {"Settings", json::parse(result({"settings", module}))}};
+        EXPECT_FALSE(node.at("Settings").empty());
+        const Ended ended =
+            stagelet({"check", writeRecipe(json{{"Recipe", 1}, {"Nodes", {node}}}.dump()).string()});
+        EXPECT_EQ(ended.code, 0) << ended.err;
+        EXPECT_EQ(countOf(ended.err, "setting"), 0U) << ended.err;
+    }
+}
+
 TEST_F(CommandsTest, AFullDiskUnderStdoutIsAFault)
 {
     const Ended ended = end(Program({"sh", "-c", command() + " modules >/dev/full"}, folder / "logs"));
