@@ -93,6 +93,24 @@ std::string cleanMessage(std::string message)
     return message;
 }
 
+/// The mistake that is most likely behind what the reader says of the byte at `at`; null if none is.
+const char* guessMistake(std::string_view text, std::size_t at, const std::string& message)
+{
+    constexpr std::string_view blanks = " \t\r\n";
+    constexpr std::string_view openings = "\"{[";
+    const char found = text[at];
+    const auto last = at == 0 ? std::string_view::npos : text.find_last_not_of(blanks, at - 1);
+    const char before = last == std::string_view::npos ? '\0' : text[last];
+    if (found == '/') return "JSON has no comments.";
+    if (found == '\'') return "JSON has texts in double quotes only.";
+    if (before == ',' && (found == ']' || found == '}')) return "The comma before it is one too many.";
+    const bool isNext = last + 1 < at || openings.find(found) != std::string_view::npos;
+    const bool isInList = message.find("parsing array - unexpected") != std::string::npos ||
+                          message.find("parsing object - unexpected") != std::string::npos;
+    if (isInList && isNext && found != ']' && found != '}' && found != ':') return "A comma is missing before it.";
+    return nullptr;
+}
+
 class TreeBuilder : public nlohmann::json_sax<Json>
 {
 public:
@@ -145,10 +163,10 @@ public:
         const bool isInsideText = badByte < size && message.find("invalid string") != std::string::npos;
         const TextPosition position = isInsideText ? cursor_.seek(badByte) : startOfToken(badByte);
         if (error.id == 406) message = "The number is too large.";
-        if (badByte < size && !isInsideText && cursor_.getText()[cursor_.getOffset()] == '/') {
-            message = "JSON has no comments.";
-        }
-        return refuse(position, message);
+        const char* mistake = badByte < size && !isInsideText && error.id != 406
+                                  ? guessMistake(cursor_.getText(), cursor_.getOffset(), message)
+                                  : nullptr;
+        return refuse(position, mistake ? mistake : message);
     }
 
 private:
