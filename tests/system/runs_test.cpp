@@ -81,23 +81,6 @@ TEST_F(RunsTest, EndWhereTheyAreToldTo)
     }
 }
 
-TEST_F(RunsTest, MoreDropsThanAllowed)
-{
-    saveNumbered(3, 8);
-    for (const char* name : {"2.png", "3.png"})
-        std::ofstream(images() / name) << "no picture";
-    const std::pair<std::vector<std::string>, int> cases[] = {
-        {{}, 0}, {{"--max-drops=2"}, 0}, {{"--max-drops=1"}, 8}, {{"--max-drops=0"}, 8}};
-    for (const auto& [options, code] : cases) {
-        std::vector<std::string> all = {"--updates=5"};
-        all.insert(all.end(), options.begin(), options.end());
-        const RunEnded ended = run(loadAndWrite(), all);
-        EXPECT_EQ(ended.code, code) << testing::PrintToString(all) << ended.err;
-        EXPECT_EQ(ended.lost("load_failed"), 2U);
-        EXPECT_EQ(countOf(ended.err, "data lost: "), code == 8 ? 1U : 0U);
-    }
-}
-
 // Two branches of unlike length meet at one writer. Each record must hold the two forms of one picture, and no
 // picture may be lost, repeated or out of turn.
 TEST_F(RunsTest, BranchesMeetInTheSameRecord)
