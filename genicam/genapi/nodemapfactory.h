@@ -17,9 +17,9 @@ namespace GenApi {
 class GENICAM_API CNodeMapFactory
 {
 public:
-    /// Reads the XML; `data` is not needed afterwards. `suppressStrings` leaves out tool tips, descriptions,
-    /// display names and document addresses. InvalidArgumentException for a null `data` or another content type
-    /// than XML.
+    /// Reads the XML, behind which zeros may stand; `data` is not needed afterwards. `suppressStrings` leaves out
+    /// tool tips, descriptions, display names and document addresses. InvalidArgumentException for a null `data`
+    /// or another content type than XML.
     CNodeMapFactory(EContentType contentType, const void* data, std::size_t size,
                     ECacheUsage cacheUsage = CacheUsage_Automatic, bool suppressStrings = false);
     ~CNodeMapFactory();
