@@ -125,6 +125,8 @@ void ConfigurationSets::transfer(const gcstring& identifier, const gcstring& tex
 void ConfigurationSets::setActiveTexts(Texts texts)
 {
     for (auto& [identifier, text] : texts) {
+        // A value that begins with "=" must not lose it at each loading.
+        if (text.view().find(featureStreamHeader) != std::string_view::npos) continue;
         FeatureStream normalised = normaliseFeatureStream(text.view());
         if (normalised.invalidLine == 0) text = std::move(normalised.text);
     }

@@ -34,7 +34,8 @@ public:
     const GenICam::gcstring& getStaged(const GenICam::gcstring& identifier) const;
     const GenICam::gcstring& getActive(const GenICam::gcstring& identifier) const;
 
-    /// Stages what the user wrote, normalised. Raises RuntimeException for a text that is no feature stream.
+    /// Stages what the user wrote, normalised. Raises RuntimeException for a text that is no feature stream; the
+    /// log has the line.
     void setStaged(const GenICam::gcstring& identifier, const GenICam::gcstring& text);
 
     /// Stages the camera's settings. What `save` throws is logged and raised as RuntimeException.
@@ -54,8 +55,8 @@ public:
     /// @name For the recipe
     /// The active texts that are not empty.
     Texts getActiveTexts() const;
-    /// Replaces all active texts, normalised. One that is no feature stream is taken as it is: the camera refuses
-    /// it line by line when it is allocated.
+    /// Replaces all active texts. Those without the header were written by hand and are normalised. One that is no
+    /// feature stream is taken as it is: the camera refuses it line by line when it is allocated.
     void setActiveTexts(Texts texts);
 
 private:

@@ -130,8 +130,11 @@ TEST_F(ConfigurationSetsTest, CommitsWhatWasStagedAndAppliesIt)
     EXPECT_EQ(sent.back(), std::pair(gcstring("@StreamGrabber0"), gcstring(header + "B\t2")));
 
     // Texts of a recipe may have been written by hand; what is wrong with them the camera says best.
-    sets.setActiveTexts({{camera, "A = 3"}, {stream, "!!"}});
-    EXPECT_EQ(sets.getActiveTexts(), (ConfigurationSets::Texts{{camera, header + "A\t3"}, {stream, "!!"}}));
+    const gcstring saved = header + "B\t= 1";
+    sets.setActiveTexts({{camera, "A = 3"}, {stream, "!!"}, {"@CameraInstance", saved}});
+    EXPECT_EQ(sets.getActiveTexts(),
+              (ConfigurationSets::Texts{{camera, header + "A\t3"}, {stream, "!!"}, {"@CameraInstance", saved}}));
+    sets.clear("@CameraInstance");
 
     sent.clear();
     sets.clear(camera);
