@@ -395,6 +395,8 @@ TEST(Camera, EventsReachTheHandlersOfTheirNodes)
     EXPECT_TRUE(world.camera.DeregisterCameraEventHandler(&handler, "EventData"));
     EXPECT_FALSE(world.camera.DeregisterCameraEventHandler(&handler, "EventData"));
     world.camera.Open();
+    // What callbacks of nodes throw, whatever it is, keeps no handler from its event.
+    world.camera.GetNodeMap()->GetNode("OtherEventData")->RegisterCallback([](GenApi::INode*) { throw 5; });
     world.device->PushEvent(0xA001, 1);
     world.device->PushEvent(0xA002, 2);
     EXPECT_THAT(log, ElementsAre("2 2"));
