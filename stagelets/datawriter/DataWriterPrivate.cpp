@@ -198,8 +198,7 @@ void DataWriterPrivate::writeRecord(TimeSnapshot& time)
         pinProperties.at(pin)->reset();
     }
     // What was written so far may be incomplete without the end of its record.
-    constexpr LossCause cause = LossCause::FileNotWritten;
-    forEachWriter(&IMediaWriter::endRecord, CatchSites::endRecord, sessionFolder, time, &cause);
+    forEachWriter(&IMediaWriter::endRecord, CatchSites::endRecord, sessionFolder, time, LossCause::FileNotWritten);
 }
 
 void DataWriterPrivate::writePin(std::size_t pin, TimeSnapshot& time)
@@ -229,7 +228,7 @@ void DataWriterPrivate::writePin(std::size_t pin, TimeSnapshot& time)
 // Media writers
 
 void DataWriterPrivate::forEachWriter(Operation operation, const CatchSite& site, const fs::path& folder,
-                                      TimeSnapshot& time, const LossCause* cause)
+                                      TimeSnapshot& time, std::optional<LossCause> cause)
 {
     for (std::size_t i = 0; i < mediaWriters_.size(); ++i) {
         if (!mediaWriters_[i]) continue;

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "core/inodemapcontainer.h"
@@ -56,9 +57,9 @@ private:
     void writePin(std::size_t pin, TimeSnapshot& time);
 
     /// Runs one operation on each media writer in order, under its number. What one throws is logged, counted by
-    /// `cause` if that is not null, and doesn't keep the others from their turn.
+    /// `cause` if there is one, and doesn't keep the others from their turn.
     void forEachWriter(Operation operation, const CatchSite& site, const std::filesystem::path& folder,
-                       TimeSnapshot& time, const Nivex::DataProcessing::Core::LossCause* cause = nullptr);
+                       TimeSnapshot& time, std::optional<Nivex::DataProcessing::Core::LossCause> cause = {});
     MediaWriterContext contextFor(std::size_t writer, TimeSnapshot& time, const std::filesystem::path& folder,
                                   const WriterIndices& indices) const;
 

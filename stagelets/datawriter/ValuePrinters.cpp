@@ -56,14 +56,20 @@ void printPixelFormat(std::ostream& stream, const Image& image)
     }
 }
 
-constexpr auto imageFields = std::to_array<Field<Image>>({
+/// What a class prints: the table of its fields, or one function if it has the default token only.
+template <typename T>
+constexpr auto layoutOf = nullptr;
+
+template <>
+constexpr auto layoutOf<Image> = std::to_array<Field<Image>>({
     {TextToken::Width, get<&Image::getWidth>, "Width="},
     {TextToken::Height, get<&Image::getHeight>, "Height="},
     {TextToken::PixelFormat, printPixelFormat, "PixelFormat="},
     {TextToken::LinePadding, get<&Image::getLinePadding>, "LinePadding="},
 });
 
-constexpr auto ellipseFields = std::to_array<Field<EllipseF>>({
+template <>
+constexpr auto layoutOf<EllipseF> = std::to_array<Field<EllipseF>>({
     {TextToken::Radius1, get<&EllipseF::getRadius1>, "Radius1="},
     {TextToken::Radius2, get<&EllipseF::getRadius2>, "Radius2="},
     {TextToken::Rotation, get<&EllipseF::getRotation>, "Rotation="},
@@ -72,20 +78,23 @@ constexpr auto ellipseFields = std::to_array<Field<EllipseF>>({
     {TextToken::Center_Y, get<&EllipseF::getCenter, &PointF::getY>, "Center.Y="},
 });
 
-constexpr auto circleFields = std::to_array<Field<CircleF>>({
+template <>
+constexpr auto layoutOf<CircleF> = std::to_array<Field<CircleF>>({
     {TextToken::Radius, get<&CircleF::getRadius>, "Radius="},
     {TextToken::Center_X, get<&CircleF::getCenter, &PointF::getX>, "Center.X="},
     {TextToken::Center_Y, get<&CircleF::getCenter, &PointF::getY>, "Center.Y="},
 });
 
-constexpr auto lineFields = std::to_array<Field<LineF>>({
+template <>
+constexpr auto layoutOf<LineF> = std::to_array<Field<LineF>>({
     {TextToken::PointA_X, get<&LineF::getPointA, &PointF::getX>, "A.X="},
     {TextToken::PointA_Y, get<&LineF::getPointA, &PointF::getY>, "A.Y="},
     {TextToken::PointB_X, get<&LineF::getPointB, &PointF::getX>, "B.X="},
     {TextToken::PointB_Y, get<&LineF::getPointB, &PointF::getY>, "B.Y="},
 });
 
-constexpr auto rectangleFields = std::to_array<Field<RectangleF>>({
+template <>
+constexpr auto layoutOf<RectangleF> = std::to_array<Field<RectangleF>>({
     {TextToken::Width, get<&RectangleF::getWidth>, "Width="},
     {TextToken::Height, get<&RectangleF::getHeight>, "Height="},
     {TextToken::Center_X, get<&RectangleF::getCenter, &PointF::getX>, "Center.X="},
@@ -94,12 +103,14 @@ constexpr auto rectangleFields = std::to_array<Field<RectangleF>>({
     {TextToken::RotationDeg, degrees<&RectangleF::getRotation>},
 });
 
-constexpr auto pointFields = std::to_array<Field<PointF>>({
+template <>
+constexpr auto layoutOf<PointF> = std::to_array<Field<PointF>>({
     {TextToken::X, get<&PointF::getX>, "X="},
     {TextToken::Y, get<&PointF::getY>, "Y="},
 });
 
-constexpr auto regionFields = std::to_array<Field<Region>>({
+template <>
+constexpr auto layoutOf<Region> = std::to_array<Field<Region>>({
     {TextToken::ReferenceSize_Width, get<&Region::getReferenceWidth>,
      "ReferenceSize.Width=", "ReferenceSize.Width:na", &Region::hasReferenceSize},  // sic: a colon
     {TextToken::ReferenceSize_Height, get<&Region::getReferenceHeight>,
@@ -143,8 +154,8 @@ void printDefault(std::ostream& stream, const auto& fields, const T& value)
     }
 }
 
-template <typename T>
-bool printField(std::ostream& stream, TextToken token, const auto& fields, const T& value)
+template <typename T, std::size_t count>
+bool printToken(std::ostream& stream, TextToken token, const T& value, const std::array<Field<T>, count>& fields)
 {
     if (token == TextToken::Default) {
         printDefault(stream, fields, value);
@@ -161,9 +172,8 @@ bool printField(std::ostream& stream, TextToken token, const auto& fields, const
     return true;
 }
 
-/// For types that have the default token only.
 template <typename T>
-bool printWhole(std::ostream& stream, TextToken token, const T& value, Print<T> print)
+bool printToken(std::ostream& stream, TextToken token, const T& value, Print<T> print)
 {
     if (token != TextToken::Default) return false;
     print(stream, value);
@@ -190,66 +200,36 @@ void printInteger(std::ostream& stream, const Integer& integer)
     }
 }
 
+template <>
+constexpr Print<TransformationData> layoutOf<TransformationData> = printMatrix;
+template <>
+constexpr Print<Integer> layoutOf<Integer> = printInteger;
+template <>
+constexpr Print<Float> layoutOf<Float> = get<&Float::get>;
+template <>
+constexpr Print<Boolean> layoutOf<Boolean> = get<&Boolean::get>;
+template <>
+constexpr Print<String> layoutOf<String> = get<&String::get>;
+
 }  // namespace
 
-bool printValueToken(std::ostream& stream, TextToken token, const Image& value)
+template <typename T>
+bool printValueToken(std::ostream& stream, TextToken token, const T& value)
 {
-    return printField(stream, token, imageFields, value);
+    return printToken(stream, token, value, layoutOf<T>);
 }
 
-bool printValueToken(std::ostream& stream, TextToken token, const EllipseF& value)
-{
-    return printField(stream, token, ellipseFields, value);
-}
-
-bool printValueToken(std::ostream& stream, TextToken token, const CircleF& value)
-{
-    return printField(stream, token, circleFields, value);
-}
-
-bool printValueToken(std::ostream& stream, TextToken token, const LineF& value)
-{
-    return printField(stream, token, lineFields, value);
-}
-
-bool printValueToken(std::ostream& stream, TextToken token, const RectangleF& value)
-{
-    return printField(stream, token, rectangleFields, value);
-}
-
-bool printValueToken(std::ostream& stream, TextToken token, const PointF& value)
-{
-    return printField(stream, token, pointFields, value);
-}
-
-bool printValueToken(std::ostream& stream, TextToken token, const Region& value)
-{
-    return printField(stream, token, regionFields, value);
-}
-
-bool printValueToken(std::ostream& stream, TextToken token, const TransformationData& value)
-{
-    return printWhole(stream, token, value, printMatrix);
-}
-
-bool printValueToken(std::ostream& stream, TextToken token, const Integer& value)
-{
-    return printWhole(stream, token, value, printInteger);
-}
-
-bool printValueToken(std::ostream& stream, TextToken token, const Float& value)
-{
-    return printWhole<Float>(stream, token, value, get<&Float::get>);
-}
-
-bool printValueToken(std::ostream& stream, TextToken token, const Boolean& value)
-{
-    return printWhole<Boolean>(stream, token, value, get<&Boolean::get>);
-}
-
-bool printValueToken(std::ostream& stream, TextToken token, const String& value)
-{
-    return printWhole<String>(stream, token, value, get<&String::get>);
-}
+template bool printValueToken(std::ostream&, TextToken, const Image&);
+template bool printValueToken(std::ostream&, TextToken, const EllipseF&);
+template bool printValueToken(std::ostream&, TextToken, const CircleF&);
+template bool printValueToken(std::ostream&, TextToken, const LineF&);
+template bool printValueToken(std::ostream&, TextToken, const RectangleF&);
+template bool printValueToken(std::ostream&, TextToken, const PointF&);
+template bool printValueToken(std::ostream&, TextToken, const Region&);
+template bool printValueToken(std::ostream&, TextToken, const TransformationData&);
+template bool printValueToken(std::ostream&, TextToken, const Integer&);
+template bool printValueToken(std::ostream&, TextToken, const Float&);
+template bool printValueToken(std::ostream&, TextToken, const Boolean&);
+template bool printValueToken(std::ostream&, TextToken, const String&);
 
 }  // namespace Plugin::NivexStageletPackageBase

@@ -144,8 +144,8 @@ TEST(Templates, RepeatTheTopMessageForEachNestedError)
     const Integer value(error("top", {error("first"), nullptr, error("second")}));
     const char* text = "{Default}|{X}|{ErrorMessage}|{ErrorMessageRecursive}|{HasError}{HasErrorRecursive}";
     EXPECT_EQ(ofValue(text, value), "top|na|top|top; top; top|11");
-    EXPECT_EQ(ofValue(text, Unexplained()), "|na|||11");
-    EXPECT_EQ(ofValue(text, ErrorBelow()), "0|{X}||below; below|01");
+    EXPECT_EQ(ofValue<Integer>(text, Unexplained()), "|na|||11");
+    EXPECT_EQ(ofValue<Integer>(text, ErrorBelow()), "0|{X}||below; below|01");
 }
 
 TEST(TextTokenTable, FindsTheLeftmostLongestToken)
