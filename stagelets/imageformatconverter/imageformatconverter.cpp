@@ -1,6 +1,7 @@
 #include "imageformatconverter/imageformatconverter.h"
 
 #include <algorithm>
+#include <exception>
 #include <limits>
 
 #include "gcbase/exception.h"
@@ -86,6 +87,7 @@ struct ImageFormatConverter::Private
     std::vector<Core::NodeMapInfo> infos;
     Nivex::CImageFormatConverter converter;
     bool loading = false;  ///< While set, setters leave the notification to loadSettings.
+    bool changedByLoading = false;
 };
 
 ImageFormatConverter::ImageFormatConverter(const std::shared_ptr<Core::IResourcePool>& pool)
@@ -197,43 +199,51 @@ void ImageFormatConverter::saveSettings(const std::shared_ptr<Core::ISettings>& 
 void ImageFormatConverter::loadSettings(const std::shared_ptr<Core::ISettings>& settings)
 {
     if (!settings) GENICAM_THROW(InvalidArgumentException, "ptrSettings is a nullptr");
+    bool changed = true;
+    std::exception_ptr failure;
     {
         const Guard guard(*getLock());
         if (getState() != Core::NodeState::Stopped) {
             GENICAM_THROW(RuntimeException, "Node must be in stopped state to deserialize.");
         }
-        struct Loading
-        {
-            bool& flag;
-            explicit Loading(bool& loading) : flag(loading) { flag = true; }
-            ~Loading() { flag = false; }
-        };
-        const Loading loading(private_->loading);
-        namespace Parameters = ConverterParameters;
-        if (settings->hasKey(pixelFormatKey)) {
-            const std::uint64_t value = settings->getUnsigned(pixelFormatKey);
-            if (value > std::numeric_limits<unsigned int>::max()) {
-                GENICAM_THROW(InvalidArgumentException, "OutputPixelFormat: 0x%llX is no pixel type.",
-                              static_cast<unsigned long long>(value));
-            }
-            private_->pixelFormat->setEnumValue(static_cast<unsigned int>(value));
+        private_->loading = true;
+        private_->changedByLoading = false;
+        try {
+            readSettings(*settings);
+        } catch (...) {
+            failure = std::current_exception();
+            changed = private_->changedByLoading;  // What was read by then stays.
         }
-        if (settings->hasKey(orientationKey)) {
-            private_->orientation->setEnumValue(valueOf(Parameters::orientations,
-                                                        settings->getString(orientationKey),
-                                                        "Unknown symbolic name of output orientation found."));
-        }
-        if (settings->hasKey(bitAlignmentKey)) {
-            private_->bitAlignment->setEnumValue(valueOf(Parameters::bitAlignments,
-                                                         settings->getString(bitAlignmentKey),
-                                                         "Unknown symbolic name of output bit alignment found."));
-        }
-        if (settings->hasKey(paddingXKey)) private_->paddingX->setValue(settings->getSigned(paddingXKey), false);
-        if (settings->hasKey(maxNumThreadsKey)) {
-            private_->maxNumThreads->setValue(settings->getSigned(maxNumThreadsKey), false);
-        }
+        private_->loading = false;
     }
-    notifySettingsChanged();
+    if (changed) notifySettingsChanged();
+    if (failure) std::rethrow_exception(failure);
+}
+
+void ImageFormatConverter::readSettings(const Core::ISettings& settings)
+{
+    namespace Parameters = ConverterParameters;
+    if (settings.hasKey(pixelFormatKey)) {
+        const std::uint64_t value = settings.getUnsigned(pixelFormatKey);
+        if (value > std::numeric_limits<unsigned int>::max()) {
+            GENICAM_THROW(InvalidArgumentException, "OutputPixelFormat: 0x%llX is no pixel type.",
+                          static_cast<unsigned long long>(value));
+        }
+        private_->pixelFormat->setEnumValue(static_cast<unsigned int>(value));
+    }
+    if (settings.hasKey(orientationKey)) {
+        private_->orientation->setEnumValue(valueOf(Parameters::orientations, settings.getString(orientationKey),
+                                                    "Unknown symbolic name of output orientation found."));
+    }
+    if (settings.hasKey(bitAlignmentKey)) {
+        private_->bitAlignment->setEnumValue(valueOf(Parameters::bitAlignments,
+                                                     settings.getString(bitAlignmentKey),
+                                                     "Unknown symbolic name of output bit alignment found."));
+    }
+    if (settings.hasKey(paddingXKey)) private_->paddingX->setValue(settings.getSigned(paddingXKey), false);
+    if (settings.hasKey(maxNumThreadsKey)) {
+        private_->maxNumThreads->setValue(settings.getSigned(maxNumThreadsKey), false);
+    }
 }
 
 std::vector<Core::NodeMapInfo> ImageFormatConverter::getNodeMapInfos()
@@ -262,6 +272,7 @@ void ImageFormatConverter::writeParameter(const Write& write)
         const Guard guard(*getLock());
         write(private_->converter);
         loading = private_->loading;
+        private_->changedByLoading |= loading;
     }
     if (!loading) notifySettingsChanged();
 }

@@ -33,7 +33,8 @@ protected:
 
 public:
     /// Takes over the values that the store holds; keys that are absent leave theirs alone. Raises
-    /// RuntimeException unless stopped, InvalidArgumentException for null or an unknown name.
+    /// RuntimeException unless stopped, InvalidArgumentException for null or an unknown name, and what setters
+    /// raise; values before the refused one are taken over then.
     void loadSettings(const std::shared_ptr<Nivex::DataProcessing::Core::ISettings>& settings) override;
     void saveSettings(const std::shared_ptr<Nivex::DataProcessing::Core::ISettings>& settings) override;
     std::vector<Nivex::DataProcessing::Core::NodeMapInfo> getNodeMapInfos() override;
@@ -61,6 +62,7 @@ private:
     template <typename Write>
     void writeParameter(const Write& write);
     void buildParameters();
+    void readSettings(const Nivex::DataProcessing::Core::ISettings& settings);
     void convert(const Nivex::DataProcessing::Core::Image& source);
     /// Puts an image out that holds an error with `text`, caused by the input's error, if there is one.
     void outputError(const GenICam::gcstring& text, const Nivex::DataProcessing::Core::Image& input,

@@ -339,17 +339,23 @@ TEST_F(ImageFormatConverterTest, RefusesBadSettings)
          "35127329, "
          "36700196, 2182611012, 2182086722, 2181824576."},
     };
+    int changes = 0;
+    node.getSettingsChangedSignal().connect([&] { ++changes; });
     for (const Row& row : rows) {
         const auto store = std::make_shared<FakeSettings>();
         store->values[row.key] = row.value;
         EXPECT_EQ(refusalOf<GenICam::InvalidArgumentException>([&] { node.loadSettings(store); }), row.refusal);
     }
+    EXPECT_EQ(changes, 0);
+    const auto halfGood = std::make_shared<FakeSettings>();
+    halfGood->values = {{"OutputPixelFormat", std::uint64_t{mono8}}, {"MaxNumThreads", std::int64_t{0}}};
+    EXPECT_ANY_THROW(node.loadSettings(halfGood));
+    EXPECT_EQ(node.getOutputPixelFormat(), mono8);
+    EXPECT_EQ(changes, 1);
     EXPECT_EQ(refusalOf<GenICam::InvalidArgumentException>([&] { node.loadSettings(nullptr); }),
               "ptrSettings is a nullptr");
     EXPECT_EQ(refusalOf<GenICam::InvalidArgumentException>([&] { node.saveSettings(nullptr); }),
               "ptrSettings is a nullptr");
-    int changes = 0;
-    node.getSettingsChangedSignal().connect([&] { ++changes; });
     node.start({});
     const auto store = std::make_shared<FakeSettings>();
     store->values["OutputPaddingX"] = std::int64_t{5};
@@ -360,7 +366,7 @@ TEST_F(ImageFormatConverterTest, RefusesBadSettings)
     node.stop();
     EXPECT_EQ(node.getOutputPaddingX(), 0);
     EXPECT_TRUE(store->order.empty());
-    EXPECT_EQ(changes, 0);
+    EXPECT_EQ(changes, 1);
 }
 
 }  // namespace
