@@ -106,7 +106,7 @@ void Camera::executeDeviceChoose()
         const Core::ResourceInfo* selected = impl_->assignment.getSelectedInfo();
         if (!selected) {
             CAMERA_REFUSE(RuntimeException, this, "executeDeviceChoose",
-                          "There is no camera to choose. Execute Device List Update first.");
+                          "There is no camera to choose. Execute Device List Update while one is connected.");
         }
         device = *selected;
     }

@@ -190,7 +190,7 @@ TEST_F(CameraAssignment, ChoosesListedCamerasAndFindsThemAgain)
     Camera node(twoPool);
     EXPECT_EQ(get(node, "@Stagelet", "DeviceModelName"), "No device listed");
     EXPECT_EQ(refusal<GenICam::RuntimeException>([&] { node.executeDeviceChoose(); }),
-              "There is no camera to choose. Execute Device List Update first.");
+              "There is no camera to choose. Execute Device List Update while one is connected.");
     set(node, "@Stagelet", "DeviceListUpdate", "1");
     set(node, "@Stagelet", "DeviceSelector", "1");
     EXPECT_EQ(get(node, "@Stagelet", "DeviceSerialNumber"), "0815-0001");
