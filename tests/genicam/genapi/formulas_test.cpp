@@ -169,9 +169,8 @@ TEST(Formulas, WithoutAResultSayWhere)
                                                         {"SQRT(-1) & 1", "NaN is no 64-bit integer"},
                                                         {"FLO.Inc", "\"Float\" has no increment"}};
     for (const auto& [formula, cause] : rows) {
-        const bool needsFloats = std::string(formula).find("1e300") == 0;
-        for (const char* kind : {"IntSwissKnife", "SwissKnife"}) {
-            if (needsFloats && kind == std::string("IntSwissKnife")) continue;  // refused
+        for (const std::string kind : {"IntSwissKnife", "SwissKnife"}) {
+            if (formula == std::string("1e300 | 1") && kind == "IntSwissKnife") continue;  // refused
             const World world(nodes + Knife(kind, "K", formula));
             ExpectFailure<RuntimeException>([&] { world.Value("K").ToString(); },
                                             std::string("Node \"K\": its formula has no result: ") + cause);
@@ -206,15 +205,13 @@ TEST(Formulas, ThatAreWrongAreRefused)
         {"0x1FFFFFFFFFFFFFFFF", "this is no number"},
         {"1e999", "this is no number"},
         {"1 $ 2", "an operator is missing"},
-        {std::string(70000, ' '), "has no <Formula>"},
+        {std::string(70000, ' '), "a number or name is missing"},
         {std::string(70000, ' ') + "1", nullptr},
         {"1" + std::string(70000, ' ') + "+1", "the formula has 70003 characters; at most 65536 are allowed"}};
     for (const auto& [formula, part] : rows) {
         const std::string text = Description(nodes + Knife("IntSwissKnife", "K", formula));
         if (!part) {
             EXPECT_NO_THROW(MakeMap(text));
-        } else if (formula.find_first_not_of(' ') == std::string::npos) {
-            EXPECT_THROW(MakeMap(text), RuntimeException);
         } else {
             ExpectFailure<RuntimeException>([&] { MakeMap(text); }, part);
         }
