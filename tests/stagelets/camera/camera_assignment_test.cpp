@@ -131,15 +131,15 @@ TEST_F(CameraAssignment, AsksForCompletePropertiesOnly)
 
 TEST_F(CameraAssignment, KnowsACameraByWhatStays)
 {
+    const Bag camera = {{"_PortableIpConfigCurrent", "4"},
+                        {"IpAddress", "1"},
+                        {"ModelName", ""},
+                        {"UserDefinedName", "n"},
+                        {"Odd", "x"}};
     DeviceProperties properties = {{"an old", "row"}};
-    getAssignmentProperties(infoOf({{"_PortableIpConfigCurrent", "4"},
-                                    {"FullName", "x"},
-                                    {"IpAddress", "10.0.0.1"},
-                                    {"ModelName", ""},
-                                    {"UserDefinedName", "left"}}),
-                            properties);
+    getAssignmentProperties(infoOf(camera), properties);
     const DeviceProperties expected = {
-        {"UserDefinedName", "left"}, {"IpAddress", "10.0.0.1"}, {"_PortableIpConfigCurrent", "4"}};
+        {"UserDefinedName", "n"}, {"IpAddress", "1"}, {"_PortableIpConfigCurrent", "4"}};
     EXPECT_EQ(properties, expected);
 }
 

@@ -14,21 +14,13 @@ namespace Core = Nivex::DataProcessing::Core;
 namespace Utils = Nivex::DataProcessing::Utils;
 using Texts = std::vector<std::string>;
 
-std::string plainText(const Core::Integer& value)
+template <typename T>
+std::string plainText(const T& value)
 {
-    return std::to_string(value.getSigned());
-}
-std::string plainText(const Core::Float& value)
-{
-    return GenICam::formatText("%.2f", value.get());
-}
-std::string plainText(const Core::Boolean& value)
-{
-    return value.get() ? "true" : "false";
-}
-std::string plainText(const Core::String& value)
-{
-    return "\"" + value.get().str() + "\"";
+    if constexpr (std::is_same_v<T, Core::Integer>) return std::to_string(value.getSigned());
+    if constexpr (std::is_same_v<T, Core::Float>) return GenICam::formatText("%.2f", value.get());
+    if constexpr (std::is_same_v<T, Core::Boolean>) return value.get() ? "true" : "false";
+    if constexpr (std::is_same_v<T, Core::String>) return "\"" + value.get().str() + "\"";
 }
 
 template <typename T>
@@ -90,8 +82,7 @@ protected:
         PinMappings pins;
         try {
             PinMappingParser().parse(PinMappingType::ChunkData, lines, pins);
-        } catch (const GenICam::RuntimeException&) {
-            // What was read until then makes pins.
+        } catch (const GenICam::RuntimeException&) {  // What was read until then makes pins.
         }
         Core::PinValues values;
         readChunkPins(pins, *result, values, this);
