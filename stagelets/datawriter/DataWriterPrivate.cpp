@@ -4,6 +4,8 @@
 
 #include <system_error>
 
+#include "gcbase/exception.h"
+
 #include "core/ivalue.h"
 #include "datawriter/NameRendering.h"
 #include "datawriter/RecordTriggers.h"

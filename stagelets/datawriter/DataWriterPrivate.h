@@ -44,7 +44,7 @@ private:
 
     bool openSessionFolder(TimeSnapshot& time);
     /// Appends the name that the template gives to `folder` and makes sure that this folder exists. False, with a
-    /// log entry, if it can't be made.
+    /// log entry, if it can't be made or the name is "..".
     bool enterFolder(std::filesystem::path& folder, const GenICam::gcstring& nameTemplate, TimeSnapshot& time,
                      const CatchSite& site);
     void createMediaWriters(TimeSnapshot& time);
