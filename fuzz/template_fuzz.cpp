@@ -5,8 +5,6 @@
 #include <sstream>
 #include <string>
 
-#include "gcbase/exception.h"
-
 #include "core/errors.h"
 #include "datawriter/NameRendering.h"
 #include "datawriter/TextFormatter.h"
@@ -71,12 +69,7 @@ void renderKind(unsigned kind, const char* text, bool withError)
 void renderAsName(const char* text)
 {
     TimeSnapshot time;
-    try {
-        const std::string name = renderName(tokens, text, time, indices);
-        require(!name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos);
-    } catch (const GenICam::RuntimeException&) {
-        // A text that gives no name is refused.
-    }
+    require(renderName(tokens, text, time, indices).find('/') == std::string::npos);
 }
 
 }  // namespace

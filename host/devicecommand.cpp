@@ -35,6 +35,7 @@ std::vector<FoundDevice> findDevices(std::size_t emulatedCameras)
 {
     const auto found = makeResourcePool(emulatedCameras)->query(Utils::TypeInfo::get<Core::IDeviceResource>(), {});
     std::vector<FoundDevice> devices;
+    devices.reserve(found.size());
     for (const auto& [info, resource] : found) {
         devices.push_back({info.getInfo(), dynamic_cast<Core::IDeviceResource&>(*resource).isFree()});
     }

@@ -127,13 +127,13 @@ public:
         FeatureList_t features;
         category.GetFeatures(features);
         for (IValue* feature : features) {
-            auto* node = dynamic_cast<INode*>(feature);
-            if (!node || !seen_.insert(node).second) continue;
-            if (auto* inner = dynamic_cast<ICategory*>(node)) {
-                walk(*inner, node->GetDisplayName().str());
-            } else if (getKindName(node->GetPrincipalInterfaceType()) && node->GetVisibility() <= upTo_ &&
-                       IsImplemented(node)) {
-                rows_.push_back(describeParameter(*node, title));
+            auto& node = dynamic_cast<INode&>(*feature);
+            if (!seen_.insert(&node).second) continue;
+            if (auto* inner = dynamic_cast<ICategory*>(&node)) {
+                walk(*inner, node.GetDisplayName().str());
+            } else if (getKindName(node.GetPrincipalInterfaceType()) && node.GetVisibility() <= upTo_ &&
+                       IsImplemented(&node)) {
+                rows_.push_back(describeParameter(node, title));
             }
         }
     }

@@ -53,10 +53,12 @@ void expose(const BeltScene& scene, double shift, Frame& frame)
     for (int y = 0; y < frameHeight; ++y) {
         for (int x = 0; x < frameWidth; ++x) {
             Vec3 sum;
-            for (int i = 0; i < samples * samples; ++i) {
-                const double dx = (i % samples + 0.5) / samples;
-                const double dy = (i / samples + 0.5) / samples;
-                sum = sum + scene.light({x + dx, y + dy}, shift);
+            for (int row = 0; row < samples; ++row) {
+                for (int column = 0; column < samples; ++column) {
+                    const double dx = (column + 0.5) / samples;
+                    const double dy = (row + 0.5) / samples;
+                    sum = sum + scene.light({x + dx, y + dy}, shift);
+                }
             }
             frame[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)] = sum * (1.0 / (samples * samples));
         }

@@ -36,7 +36,7 @@ Camera::Camera(const std::shared_ptr<Core::IResourcePool>& pool)
 {
     Impl& own = *impl_;
     if (!pool) {
-        CAMERA_REFUSE(InvalidArgumentException, this, "Camera", "Resource pool must not be nullptr. ");
+        NODE_REFUSE(InvalidArgumentException, cameraLog, this, "Camera", "Resource pool must not be nullptr. ");
     }
     setLock(own.nodeMap.getLock());
     own.signals = std::make_unique<Impl::Signals>();
@@ -139,8 +139,8 @@ void Camera::updateOutputs(Notices& notices)
 void Camera::requireStopped(const char* function) const
 {
     if (getState() == Core::NodeState::Stopped) return;
-    CAMERA_REFUSE(RuntimeException, this, function,
-                  "Stagelet must not be running to change the choice of the camera or the output pins.");
+    NODE_REFUSE(RuntimeException, cameraLog, this, function,
+                "Stagelet must not be running to change the choice of the camera or the output pins.");
 }
 
 // Node maps

@@ -12,23 +12,19 @@ namespace {
 /// Runs one step of the allocation. What it throws is logged and passes on; what is of no known kind becomes a
 /// RuntimeException.
 template <typename Step>
-void guarded(const char* activity, const void* node, const Step& step)
+void runStep(const char* activity, const void* node, const Step& step)
 {
-    const auto log = [&](const char* message) {
-        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
-                              "Camera %p: Exception caught while %s.. Message: %s", node, activity, message);
-    };
+    const std::string logged = std::string(activity) + ".";
     try {
         step();
     } catch (const GenICam::GenericException& e) {
-        log(e.GetDescription());
+        cameraLog.logCaught(node, logged.c_str(), e.GetDescription());
         throw;
     } catch (const std::exception& e) {
-        log(e.what());
+        cameraLog.logCaught(node, logged.c_str(), e.what());
         throw;
     } catch (...) {
-        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
-                              "Camera %p: Unknown exception caught while %s..", node, activity);
+        cameraLog.logCaughtUnknown(node, logged.c_str());
         GENICAM_THROW(RuntimeException, "Unknown exception caught while %s.", activity);
     }
 }
@@ -49,9 +45,9 @@ void Camera::allocateAdditionalResources(const std::shared_ptr<Core::IResourcePo
     try {
         edit([&](Notices& notices) {
             std::unique_ptr<Nivex::INivexDevice> device = impl_->assignment.reserve(*impl_->pool, mayRefresh);
-            guarded("allocating camera resource", this, [&] { holdCamera(std::move(device), notices); });
+            runStep("allocating camera resource", this, [&] { holdCamera(std::move(device), notices); });
         });
-        guarded("allocating additional resources", this,
+        runStep("allocating additional resources", this,
                 [&] { AdvancedNode::allocateAdditionalResources(pool, mayRefresh); });
     } catch (...) {
         giveUpCamera([this](Notices& notices) { impl_->showNoSelectedDevice(noDeviceListed, true, notices); });
@@ -118,14 +114,10 @@ void Camera::giveUpCamera(const std::function<void(Notices&)>& change)
 void Camera::closeCamera() noexcept
 {
     const std::lock_guard closing(impl_->closingMutex);
-    try {
+    cameraLog.guarded(this, "closing the camera", [this] {
         impl_->camera.DetachDevice();
         impl_->eventRegistrations.deregisterAll(impl_->camera);
-    } catch (...) {
-        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
-                              "Camera %p: Exception caught while closing the camera. Message: %s",
-                              static_cast<const void*>(this), GenICam::describeCurrentException().c_str());
-    }
+    });
 }
 
 }  // namespace Plugin::NivexStageletPackageBase

@@ -48,7 +48,7 @@ void Camera::onStarting(const Core::NodeArgumentCollection& arguments)
             if (!own.isCameraHeld()) {
                 const gcstring text =
                     own.deviceError ? own.deviceError->getDescription() : gcstring("No camera is allocated.");
-                CAMERA_REFUSE(RuntimeException, this, "onStarting", text.c_str());
+                NODE_REFUSE(RuntimeException, cameraLog, this, "onStarting", text.c_str());
             }
             own.setStoppedOnlyAvailable(false, notices);
             own.frameGaps.restart(own.camera.GetFirstBlockID());
@@ -150,22 +150,7 @@ bool Camera::countLost(Core::LossCause cause) noexcept
 void Camera::OnImageGrabbed(Nivex::CInstantCamera& /*camera*/, const Nivex::CGrabResultPtr& result)
 {
     std::shared_ptr<Core::IGraphUpdate> update;
-    try {
-        putOutResult(result, update);
-        return;
-    } catch (const GenICam::GenericException& e) {
-        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
-                              "Camera %p: Exception caught while grabbing an image. Message: %s",
-                              static_cast<const void*>(this), e.GetDescription());
-    } catch (const std::exception& e) {
-        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
-                              "Camera %p: Exception caught while grabbing an image. Message: %s",
-                              static_cast<const void*>(this), e.what());
-    } catch (...) {
-        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
-                              "Camera %p: Unknown exception caught while grabbing an image.",
-                              static_cast<const void*>(this));
-    }
+    if (cameraLog.guarded(this, "grabbing an image", [&] { putOutResult(result, update); })) return;
     // An update in hand is counted as it goes.
     if (!update) countLost(Core::LossCause::SourceFailed);
 }
@@ -218,16 +203,12 @@ void Camera::putOutEventValue(const gcstring& pinName, Utils::Variant value)
         update = createUpdate();
     }
     if (!update) return;
-    try {
+    // The update is counted as it goes, so the caller must not hear of a failure.
+    cameraLog.guarded(this, "putting out an event", [&] {
         Core::PinValues outputs;
         outputs.emplace(pinName, std::move(value));
         if (waitUntilSpaceAvailable()) createJob(update, std::move(outputs));
-    } catch (...) {
-        // The update is counted as it goes, so the caller must not hear of it.
-        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
-                              "Camera %p: Exception caught while putting out an event. Message: %s",
-                              static_cast<const void*>(this), GenICam::describeCurrentException().c_str());
-    }
+    });
 }
 
 }  // namespace Plugin::NivexStageletPackageBase

@@ -18,7 +18,7 @@ template <typename List>
 auto& requireSelected(List& list, const void* node, const char* function, const char* text)
 {
     auto* selected = list.selected();
-    if (!selected) CAMERA_REFUSE(RuntimeException, node, function, text);
+    if (!selected) NODE_REFUSE(RuntimeException, cameraLog, node, function, text);
     return *selected;
 }
 
@@ -105,8 +105,8 @@ void Camera::executeDeviceChoose()
         impl_->updateDevicesIfChanged();
         const Core::ResourceInfo* selected = impl_->assignment.getSelectedInfo();
         if (!selected) {
-            CAMERA_REFUSE(RuntimeException, this, "executeDeviceChoose",
-                          "There is no camera to choose. Execute Device List Update while one is connected.");
+            NODE_REFUSE(RuntimeException, cameraLog, this, "executeDeviceChoose",
+                        "There is no camera to choose. Execute Device List Update while one is connected.");
         }
         device = *selected;
     }

@@ -108,10 +108,10 @@ auto valueOf(const Rows& rows, const gcstring& name, const char* parameter)
 void Camera::saveSettings(const std::shared_ptr<Core::ISettings>& settings)
 {
     constexpr const char* function = "saveSettings";
-    if (!settings) CAMERA_REFUSE(InvalidArgumentException, this, function, "No settings passed.");
+    if (!settings) NODE_REFUSE(InvalidArgumentException, cameraLog, this, function, "No settings passed.");
     const Guard guard(*getLock());
     if (getState() != Core::NodeState::Stopped) {
-        CAMERA_REFUSE(RuntimeException, this, function, "Stagelet must not be running to save.");
+        NODE_REFUSE(RuntimeException, cameraLog, this, function, "Stagelet must not be running to save.");
     }
     const Impl& own = *impl_;
     saveProperties(*settings, own.assignment.properties().items());
@@ -129,9 +129,9 @@ void Camera::saveSettings(const std::shared_ptr<Core::ISettings>& settings)
 void Camera::loadSettings(const std::shared_ptr<Core::ISettings>& settings)
 {
     constexpr const char* function = "loadSettings";
-    if (!settings) CAMERA_REFUSE(InvalidArgumentException, this, function, "No settings passed.");
+    if (!settings) NODE_REFUSE(InvalidArgumentException, cameraLog, this, function, "No settings passed.");
     if (getState() != Core::NodeState::Stopped) {
-        CAMERA_REFUSE(RuntimeException, this, function, "Stagelet must not be running to load.");
+        NODE_REFUSE(RuntimeException, cameraLog, this, function, "Stagelet must not be running to load.");
     }
     if (settings->hasKey(devicePropertiesKey)) {
         setDeviceProperties(function, [&](auto& list) { list.assign(loadProperties(*settings)); });

@@ -1,10 +1,6 @@
 #pragma once
 
-#include "gcbase/exception.h"
-
-#include "utils/log.h"
-
-// The log of the camera node and its parts.
+#include "nodelog/nodelog.h"
 
 namespace Plugin::NivexStageletPackageBase {
 
@@ -15,15 +11,7 @@ inline Nivex::DataProcessing::Utils::CatId cameraChannel()
     return id;
 }
 
-}  // namespace Plugin::NivexStageletPackageBase
+/// For the camera node and its parts, with the address of the node.
+inline constexpr NodeLog cameraLog{"Camera", cameraChannel};
 
-/// Logs a refusal of an operation of the camera node NODE (its address) and raises it with the same text.
-#define CAMERA_REFUSE(TYPE, NODE, FUNCTION, TEXT)                                                             \
-    do {                                                                                                      \
-        const char* const refusalText = (TEXT);                                                               \
-        Nivex::DataProcessing::Utils::createLogEntry(                                                         \
-            Nivex::DataProcessing::Utils::SeverityRefused, Plugin::NivexStageletPackageBase::cameraChannel(), \
-            "Camera %p: %s failed. Message: \"%s\" (%s:%i)", static_cast<const void*>(NODE), (FUNCTION),      \
-            refusalText, ::GenICam::sourceUnitName(__FILE__).c_str(), __LINE__);                              \
-        GENICAM_THROW(TYPE, "%s", refusalText);                                                               \
-    } while (false)
+}  // namespace Plugin::NivexStageletPackageBase

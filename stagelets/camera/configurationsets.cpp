@@ -49,7 +49,7 @@ gcstring ConfigurationSets::modifyCfgSetStagedContent(const gcstring& text, cons
                               "Camera %p: Line %zu of the configuration set is neither a comment nor a parameter "
                               "and its value.",
                               node_, result.invalidLine);
-        CAMERA_REFUSE(RuntimeException, node_, operation, invalidText);
+        NODE_REFUSE(RuntimeException, cameraLog, node_, operation, invalidText);
     }
     return std::move(result.text);
 }
@@ -75,8 +75,8 @@ void ConfigurationSets::fetch(const gcstring& identifier, const Save& save)
     } catch (const std::exception& e) {
         logAndRaise(e.what());
     } catch (...) {
-        CAMERA_REFUSE(RuntimeException, node_, "executeCfgSetFetch",
-                      "Unknown exception caught while fetching feature stream.");
+        NODE_REFUSE(RuntimeException, cameraLog, node_, "executeCfgSetFetch",
+                    "Unknown exception caught while fetching feature stream.");
     }
     staged_[identifier] = std::move(text);
 }
@@ -102,8 +102,8 @@ void ConfigurationSets::apply(const Load& load) const
             transfer(identifier, text, load);
         }
     } catch (const GenICam::RuntimeException&) {
-        CAMERA_REFUSE(RuntimeException, node_, "allocateAdditionalResources",
-                      "Failed to load feature streams from active configuration set.");
+        NODE_REFUSE(RuntimeException, cameraLog, node_, "allocateAdditionalResources",
+                    "Failed to load feature streams from active configuration set.");
     }
 }
 
@@ -117,8 +117,8 @@ void ConfigurationSets::transfer(const gcstring& identifier, const gcstring& tex
                               "Camera %p: Exception caught while loading the feature stream of \"%s\". "
                               "Message: \"%s\"",
                               node_, identifier.c_str(), GenICam::describeCurrentException().c_str());
-        CAMERA_REFUSE(RuntimeException, node_, "transferCfgSetActiveContentToCamera",
-                      "Failed to load camera feature stream from active configuration set.");
+        NODE_REFUSE(RuntimeException, cameraLog, node_, "transferCfgSetActiveContentToCamera",
+                    "Failed to load camera feature stream from active configuration set.");
     }
 }
 

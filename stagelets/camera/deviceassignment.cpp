@@ -123,7 +123,7 @@ std::unique_ptr<Nivex::INivexDevice> DeviceAssignment::reserve(Core::IResourcePo
         Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
                               "Camera %p: A camera was wanted that has %s.", node_,
                               describe(info.getInfo()).c_str());
-        CAMERA_REFUSE(RuntimeException, node_, "allocateAdditionalResources", failure);
+        NODE_REFUSE(RuntimeException, cameraLog, node_, "allocateAdditionalResources", failure);
     }
     return device;
 }

@@ -19,15 +19,15 @@ using Core::LossCause;
 
 namespace {
 
-const CatchSite& beginSessionSite(MediaType type)
+const char* beginSessionActivity(MediaType type)
 {
     switch (type) {
         case MediaType::MP4:
-            return CatchSites::beginSessionVideo;
+            return "starting video media writer session";
         case MediaType::TXT:
-            return CatchSites::beginSessionText;
+            return "starting text media writer session";
         default:
-            return CatchSites::beginSessionImage;
+            return "starting image media writer session";
     }
 }
 
@@ -99,14 +99,14 @@ bool DataWriterPrivate::openSessionFolder(TimeSnapshot& time)
     sessionFolder = settings->outputFolderName.str();
     if (sessionFolder.empty()) sessionFolder = fs::current_path();
     if (!isDirectory(sessionFolder)) return false;
-    return enterFolder(sessionFolder, settings->sessionFolderName, time, CatchSites::sessionFolder);
+    return enterFolder(sessionFolder, settings->sessionFolderName, time, "creating session folder");
 }
 
 bool DataWriterPrivate::enterFolder(fs::path& folder, const GenICam::gcstring& nameTemplate, TimeSnapshot& time,
-                                    const CatchSite& site)
+                                    const char* activity)
 {
     if (nameTemplate.empty()) return true;
-    return guarded(site, &node_, [&] {
+    return dataWriterLog.guarded(&node_, activity, [&] {
         const std::string name = renderName(tokens_, nameTemplate.c_str(), time, indices_);
         if (name == "..") {
             GENICAM_THROW(RuntimeException,
@@ -126,8 +126,8 @@ void DataWriterPrivate::createMediaWriters(TimeSnapshot& time)
         indices_.mediaWriterIndex = i + 1;
         const std::shared_ptr<IMediaWriter>& writer = mediaWriters_.emplace_back(factory_(type, *this));
         if (!writer) continue;
-        guarded(beginSessionSite(type), &node_,
-                [&] { writer->beginSession(contextFor(i, time, sessionFolder, indices_)); });
+        dataWriterLog.guarded(&node_, beginSessionActivity(type),
+                              [&] { writer->beginSession(contextFor(i, time, sessionFolder, indices_)); });
     }
     indices_.mediaWriterIndex = 0;
 }
@@ -145,7 +145,7 @@ void DataWriterPrivate::endSession()
 {
     if (!sessionActive_) return;
     TimeSnapshot time;
-    forEachWriter(&IMediaWriter::endSession, CatchSites::endSession, sessionFolder, time);
+    forEachWriter(&IMediaWriter::endSession, "ending media writer session", sessionFolder, time);
     mediaWriters_.clear();
     timer_.stop();
 }
@@ -160,7 +160,7 @@ void DataWriterPrivate::processUpdate()
     ++indices_.recordIndex;
     TimeSnapshot time;
     recordFolder = sessionFolder;
-    if (!enterFolder(recordFolder, settings->recordFolderName, time, CatchSites::recordFolder)) {
+    if (!enterFolder(recordFolder, settings->recordFolderName, time, "creating record folder")) {
         return reportLoss(LossCause::FileNotWritten);
     }
     accounted_ = false;
@@ -194,13 +194,14 @@ Utils::Variant DataWriterPrivate::valueOfPin(std::size_t pin) const
 
 void DataWriterPrivate::writeRecord(TimeSnapshot& time)
 {
-    forEachWriter(&IMediaWriter::beginRecord, CatchSites::beginRecord, recordFolder, time);
+    forEachWriter(&IMediaWriter::beginRecord, "starting media writer record", recordFolder, time);
     for (std::size_t pin = 0; pin < settings->numInputDataPins; ++pin) {
         writePin(pin, time);
         pinProperties.at(pin)->reset();
     }
     // What was written so far may be incomplete without the end of its record.
-    forEachWriter(&IMediaWriter::endRecord, CatchSites::endRecord, sessionFolder, time, LossCause::FileNotWritten);
+    forEachWriter(&IMediaWriter::endRecord, "ending media writer record", sessionFolder, time,
+                  LossCause::FileNotWritten);
 }
 
 void DataWriterPrivate::writePin(std::size_t pin, TimeSnapshot& time)
@@ -221,22 +222,23 @@ void DataWriterPrivate::writePin(std::size_t pin, TimeSnapshot& time)
         const bool isSessionFile = settings->mediaWriters.at(i).fileScope == FileScope::Session;
         const MediaWriterContext context =
             contextFor(i, time, isSessionFile ? sessionFolder : recordFolder, indices);
-        const bool isWritten = guarded(CatchSites::writeData, &node_,
-                                       [&] { mediaWriters_[i]->writeData(value, value.getValueType(), context); });
+        const bool isWritten = dataWriterLog.guarded(&node_, "writing media writer data", [&] {
+            mediaWriters_[i]->writeData(value, value.getValueType(), context);
+        });
         if (!isWritten) reportLoss(LossCause::FileNotWritten);
     }
 }
 
 // Media writers
 
-void DataWriterPrivate::forEachWriter(Operation operation, const CatchSite& site, const fs::path& folder,
+void DataWriterPrivate::forEachWriter(Operation operation, const char* activity, const fs::path& folder,
                                       TimeSnapshot& time, std::optional<LossCause> cause)
 {
     for (std::size_t i = 0; i < mediaWriters_.size(); ++i) {
         if (!mediaWriters_[i]) continue;
         indices_.mediaWriterIndex = i + 1;
-        const bool isDone = guarded(
-            site, &node_, [&] { ((*mediaWriters_[i]).*operation)(contextFor(i, time, folder, indices_)); });
+        const bool isDone = dataWriterLog.guarded(
+            &node_, activity, [&] { ((*mediaWriters_[i]).*operation)(contextFor(i, time, folder, indices_)); });
         if (!isDone && cause) reportLoss(*cause);
     }
     indices_.mediaWriterIndex = 0;

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "core/inodemapcontainer.h"
-#include "datawriter/CatchSites.h"
 #include "datawriter/DataWriter.h"
+#include "datawriter/DataWriterLog.h"
 #include "datawriter/DataWriterNodeMap.h"
 #include "datawriter/RecordTimer.h"
 #include "utils/property.h"
@@ -46,7 +46,7 @@ private:
     /// Appends the name that the template gives to `folder` and makes sure that this folder exists. False, with a
     /// log entry, if it can't be made or the name is "..".
     bool enterFolder(std::filesystem::path& folder, const GenICam::gcstring& nameTemplate, TimeSnapshot& time,
-                     const CatchSite& site);
+                     const char* activity);
     void createMediaWriters(TimeSnapshot& time);
     void evaluateRecordPeriod();
 
@@ -58,7 +58,7 @@ private:
 
     /// Runs one operation on each media writer in order, under its number. What one throws is logged, counted by
     /// `cause` if there is one, and doesn't keep the others from their turn.
-    void forEachWriter(Operation operation, const CatchSite& site, const std::filesystem::path& folder,
+    void forEachWriter(Operation operation, const char* activity, const std::filesystem::path& folder,
                        TimeSnapshot& time, std::optional<Nivex::DataProcessing::Core::LossCause> cause = {});
     MediaWriterContext contextFor(std::size_t writer, TimeSnapshot& time, const std::filesystem::path& folder,
                                   const WriterIndices& indices) const;

@@ -5,7 +5,7 @@
 #include <locale>
 #include <system_error>
 
-#include "datawriter/CatchSites.h"
+#include "datawriter/DataWriterLog.h"
 #include "datawriter/NameRendering.h"
 #include "datawriter/TextFormatter.h"
 #include "datawriter/ValueText.h"

@@ -6,7 +6,7 @@
 
 #include "utility/imageformatconverter.h"
 
-#include "datawriter/CatchSites.h"
+#include "datawriter/DataWriterLog.h"
 #include "datawriter/ImageWalk.h"
 #include "datawriter/NameRendering.h"
 #include "utils/log.h"
@@ -27,9 +27,7 @@ Utils::CatId videoChannel()
     return id;
 }
 
-constexpr CatchSite openSite{"opening video", "DataWriterVideo", videoChannel};
-constexpr CatchSite addSite{"adding image to video", "DataWriterVideo", videoChannel};
-constexpr CatchSite closeSite{"closing video", "DataWriterVideo", videoChannel};
+constexpr NodeLog videoLog{"DataWriterVideo", videoChannel};
 
 bool isSupported(EPixelType pixelType)
 {
@@ -76,8 +74,8 @@ void VideoMediaWriter::writeImage(const Core::Image& image, const MediaWriterCon
         ledger_.reportLoss(LossCause::Unsupported);
         return;
     }
-    if (!opened_) opened_ = guarded(openSite, this, [&] { open(image, context, indices); });
-    if (!opened_ || !guarded(addSite, this, [&] { add(image); })) {
+    if (!opened_) opened_ = videoLog.guarded(this, "opening video", [&] { open(image, context, indices); });
+    if (!opened_ || !videoLog.guarded(this, "adding image to video", [&] { add(image); })) {
         ledger_.reportLoss(cause_);
         reportLateLosses();
         return;
@@ -145,7 +143,7 @@ void VideoMediaWriter::close()
 {
     if (!writer_.IsOpen()) return;
     opened_ = false;
-    const bool isClosed = guarded(closeSite, this, [&] { notingCause([&] { writer_.Close(); }); });
+    const bool isClosed = videoLog.guarded(this, "closing video", [&] { notingCause([&] { writer_.Close(); }); });
     reportLateLosses();
     if (isClosed || writer_.GetLastFailure() != EVideoFailure::File) {
         ledger_.reportRecorded(1, 0);

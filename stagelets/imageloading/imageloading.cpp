@@ -102,21 +102,22 @@ void ImageLoading::setSettings(const gcstring& sourcePath, SortBy sortBy, unsign
 {
     constexpr const char* function = "setSettings";
     if (sourcePath.empty()) {
-        IMAGELOADING_REFUSE(InvalidArgumentException, function, "Source path must not be empty.");
+        NODE_REFUSE(InvalidArgumentException, nodeLog, this, function, "Source path must not be empty.");
     }
     if (numberOfImages == 0) {
-        IMAGELOADING_REFUSE(InvalidArgumentException, function, "NumberOfImages must be greater than 0.");
+        NODE_REFUSE(InvalidArgumentException, nodeLog, this, function, "NumberOfImages must be greater than 0.");
     }
     if (framesPerSecond == 0) {
-        IMAGELOADING_REFUSE(InvalidArgumentException, function, "FramesPerSecond must be greater than 0.");
+        NODE_REFUSE(InvalidArgumentException, nodeLog, this, function, "FramesPerSecond must be greater than 0.");
     }
     if (numberOfRuns == 0) {
-        IMAGELOADING_REFUSE(InvalidArgumentException, function, "NumberOfRuns must be greater than 0.");
+        NODE_REFUSE(InvalidArgumentException, nodeLog, this, function, "NumberOfRuns must be greater than 0.");
     }
     {
         const Guard guard(*getLock());
         if (getState() != Core::NodeState::Stopped) {
-            IMAGELOADING_REFUSE(RuntimeException, function, "Stagelet must not be running to set the settings.");
+            NODE_REFUSE(RuntimeException, nodeLog, this, function,
+                        "Stagelet must not be running to set the settings.");
         }
         private_->settings = {sourcePath,   sortBy,          numberOfImages,   framesPerSecond,
                               numberOfRuns, runContinuously, storeAbsolutePath};
@@ -257,7 +258,8 @@ void ImageLoading::writeSetting(Field Settings::*field, const Field& value, cons
     {
         const Guard guard(*getLock());
         if (getState() != Core::NodeState::Stopped) {
-            IMAGELOADING_REFUSE(RuntimeException, function, "Stagelet must not be running to set the settings.");
+            NODE_REFUSE(RuntimeException, nodeLog, this, function,
+                        "Stagelet must not be running to set the settings.");
         }
         if (private_->settings.*field == value) return;
         private_->settings.*field = value;
@@ -270,7 +272,7 @@ void ImageLoading::requirePositive(unsigned long value, const char* name, const 
 {
     if (value != 0) return;
     const std::string text = std::string(name) + " must be greater than 0.";
-    IMAGELOADING_REFUSE(RuntimeException, function, text.c_str());
+    NODE_REFUSE(RuntimeException, nodeLog, this, function, text.c_str());
 }
 
 gcstring ImageLoading::getSourcePath() const

@@ -70,11 +70,11 @@ void ImageLoading::onStarting(const Core::NodeArgumentCollection& arguments)
     own.bufferProvider = getBufferProvider();
     own.updateFactory = getUpdateFactory();
     if (own.settings.sourcePath.empty()) {
-        IMAGELOADING_REFUSE(RuntimeException, function, "No image source path was specified.");
+        NODE_REFUSE(RuntimeException, nodeLog, this, function, "No image source path was specified.");
     }
     own.files = scanImageSource(own.settings.sourcePath);
     if (own.files.empty()) {
-        IMAGELOADING_REFUSE(RuntimeException, function, "No images found in specified image source path.");
+        NODE_REFUSE(RuntimeException, nodeLog, this, function, "No images found in specified image source path.");
     }
     orderImages(own.files, own.settings.sortBy);
     own.runCount = 1;
@@ -150,27 +150,16 @@ bool ImageLoading::beginNextRunIfDue()
 
 bool ImageLoading::putOutImage(const gcstring& path)
 {
-    try {
+    bool isLast = false;
+    nodeLog.guarded(this, "creating update.", [&] {
         const bool spaceAvailable = waitUntilSpaceAvailable();
-        if (!spaceAvailable) return false;
+        if (!spaceAvailable) return;
         const auto update = private_->updateFactory->createUpdate(*this, nullptr, spaceAvailable);
-        if (!update) return false;
+        if (!update) return;
         createJob(update, loadImage(path, *update), {});
-        return private_->singleFrame;
-    } catch (const GenICam::GenericException& e) {
-        Utils::createLogEntry(Utils::SeverityFailure, channel(),
-                              "ImageLoading %p: Exception caught while creating update.. Message: %s",
-                              static_cast<const void*>(this), e.GetDescription());
-    } catch (const std::exception& e) {
-        Utils::createLogEntry(Utils::SeverityFailure, channel(),
-                              "ImageLoading %p: Exception caught while creating update.. Message: %s",
-                              static_cast<const void*>(this), e.what());
-    } catch (...) {
-        Utils::createLogEntry(Utils::SeverityFailure, channel(),
-                              "ImageLoading %p: Unknown exception caught while creating update..",
-                              static_cast<const void*>(this));
-    }
-    return false;
+        isLast = private_->singleFrame;
+    });
+    return isLast;
 }
 
 Core::PinValues ImageLoading::loadImage(const gcstring& path, const Core::IGraphUpdate& update)

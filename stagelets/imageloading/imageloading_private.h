@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "imageloading/imageloading.h"
+#include "nodelog/nodelog.h"
 #include "parameteradapter/stageletnodemapbase.h"
 #include "threading/uniquelock.h"
 #include "utils/log.h"
@@ -90,17 +91,8 @@ inline Nivex::DataProcessing::Utils::CatId channel()
     return id;
 }
 
+inline constexpr NodeLog nodeLog{"ImageLoading", channel, sourceUnit};
+
 }  // namespace ImageLoadingDetail
 
 }  // namespace Plugin::NivexStageletPackageBase
-
-/// Logs a refusal of an operation of this node and raises it with the same text.
-#define IMAGELOADING_REFUSE(TYPE, FUNCTION, TEXT)                                                              \
-    do {                                                                                                       \
-        const char* const refusalText = (TEXT);                                                                \
-        Nivex::DataProcessing::Utils::createLogEntry(                                                          \
-            Nivex::DataProcessing::Utils::SeverityRefused, ImageLoadingDetail::channel(),                      \
-            "ImageLoading %p: %s failed. Message: \"%s\" (%s:%i)", static_cast<const void*>(this), (FUNCTION), \
-            refusalText, ImageLoadingDetail::sourceUnit, __LINE__);                                            \
-        GENICAM_THROW(TYPE, "%s", refusalText);                                                                \
-    } while (false)

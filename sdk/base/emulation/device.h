@@ -33,7 +33,7 @@ private:
 ///
 /// The event thread runs from Open to Close and ends early after it told of a removal; the stream thread runs from
 /// StartStream to StopStream and ends early on a removal. Both call their listener without a lock.
-class Device : public INivexDevice
+class Device final : public INivexDevice
 {
 public:
     /// Null if the camera is unplugged or reserved.

@@ -129,7 +129,7 @@ void attach(AVFrame& frame, const CNivexImage& picture)
     frame.buf[0] =
         av_buffer_create(bytes, share->GetImageSize(), releaseShare, share.get(), AV_BUFFER_FLAG_READONLY);
     if (!frame.buf[0]) throw std::bad_alloc();
-    share.release();
+    static_cast<void>(share.release());
     const auto layout = *ComputeImageLayout(picture.GetPixelType(), picture.GetWidth(), picture.GetHeight(), 0);
     for (std::size_t i = 0; i < layout.planeCount; ++i) {
         frame.data[i] = bytes + layout.planes[i].offset;
