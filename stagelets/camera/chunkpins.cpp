@@ -62,14 +62,21 @@ Utils::Variant readPin(const PinMapping& pin, const GenApi::NodeMapPtr& nodeMap)
 void readChunkPins(const PinMappings& pins, const Nivex::CGrabResultData& result, Core::PinValues& values,
                    const void* node)
 {
+    std::size_t failed = 0;
+    std::string cause;
     for (const auto& [name, pin] : pins) {
         try {
             values[pin.name] = readPin(pin, result.GetChunkDataNodeMap());
         } catch (...) {
+            if (failed++ == 0) cause = GenICam::describeCurrentException();
             Utils::createLogEntry(Utils::SeverityProgress, cameraChannel(),
                                   "Camera %p: Failed to get chunk data value for \"%s\" pin.", node, name.c_str());
         }
     }
+    if (failed == 0) return;
+    Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                          "Camera %p: %zu of %zu chunk pins got no value. Message: %s", node, failed, pins.size(),
+                          cause.c_str());
 }
 
 }  // namespace Plugin::NivexStageletPackageBase

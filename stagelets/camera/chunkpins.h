@@ -15,8 +15,8 @@ namespace Plugin::NivexStageletPackageBase {
 /// any value left gets an empty one. A value that can't be read is an error value.
 ///
 /// A failure of a pin (no value name, a selector without a value or that can't be set, damaged chunks) is logged
-/// and leaves that pin out. Works on the selectors of the result's chunk node map, so one thread at a time per
-/// result.
+/// and leaves that pin out; the first one's cause is logged for the whole result. Works on the selectors of the
+/// result's chunk node map, so one thread at a time per result.
 /// @param node is the address that log entries name.
 void readChunkPins(const PinMappings& pins, const Nivex::CGrabResultData& result,
                    Nivex::DataProcessing::Core::PinValues& values, const void* node);

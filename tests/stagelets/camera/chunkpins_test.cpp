@@ -93,6 +93,12 @@ protected:
         return GenICam::formatText("Camera %p: Failed to get chunk data value for \"%s\" pin.",
                                    static_cast<const void*>(this), pin);
     }
+    /// The one entry for all pins, without its cause.
+    std::string summary(int failed) const
+    {
+        return GenICam::formatText(
+            "Camera %p: %d of 2 chunk pins got no value. Message: ", static_cast<const void*>(this), failed);
+    }
 
     ScopedLogCapture log;
     GenApiTest::World world{nodes};
@@ -138,13 +144,17 @@ TEST_F(ChunkPinsTest, AFailureEndsItsPinOnly)
     {
         log.clear();
         EXPECT_EQ(read({good, line}), "B=-7") << line;
-        ASSERT_EQ(log.messages("nivex.dataprocessing.stagelet.Camera"), Texts{failure("A")});
-        EXPECT_EQ(log.lines().front().severity, 5);
+        const Texts entries = log.messages("nivex.dataprocessing.stagelet.Camera");
+        ASSERT_EQ(entries.size(), 2u);
+        EXPECT_EQ(entries[0], failure("A"));
+        EXPECT_EQ(log.lines()[0].severity, 5);
+        EXPECT_TRUE(entries[1].starts_with(summary(1))) << entries[1];
+        EXPECT_EQ(log.lines()[1].severity, 4);
     }
     log.clear();
     result->chunkMap = []() -> GenApi::NodeMapPtr { GENICAM_THROW(RuntimeException, "The chunks are damaged."); };
     EXPECT_EQ(read({"A.Type=Integer.ValueName=Int", good}), "");
-    EXPECT_EQ(log.messages(), (Texts{failure("A"), failure("B")}));
+    EXPECT_EQ(log.messages(), (Texts{failure("A"), failure("B"), summary(2) + "The chunks are damaged."}));
 }
 
 }  // namespace
