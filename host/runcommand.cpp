@@ -180,8 +180,8 @@ void setLateParameters(const LoadedRecipe& recipe, const RunOptions& options)
     {
         throw HostError(ExitCode::CameraNotAvailable, "camera not available", nodeObject(failure.getNode()),
                         escapeControls(failure.getCause()),
-                        "the log above, for what the camera refused; stagelet devices, for the cameras there are; "
-                        "--emulated-cameras N, for some without hardware");
+                        "stagelet devices, for the cameras there are; --emulated-cameras N, for some without "
+                        "hardware; the log above, for what a camera refused");
     }
     throw HostError(ExitCode::RunFailed, "recipe not started", options.recipe, failure.GetDescription(),
                     "stagelet run --log-level 7, to see more");
