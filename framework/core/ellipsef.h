@@ -13,8 +13,9 @@ struct EllipseFData
     double rotation = 0.0;
 };
 
-/// An ellipse, in pixels, its first axis turned by the rotation, in radians. All access to the parts raises
-/// RuntimeException if it holds an error, and so does building it from points that hold one.
+/// An ellipse, in pixels. The rotation of its first axis is in radians, from the x-axis, counterclockwise as the
+/// picture is seen, with y going down. All access to the parts raises RuntimeException if it holds an error, and
+/// so does building it from points that hold one.
 class GENICAM_API EllipseF : public DataValue<EllipseFData>
 {
 public:

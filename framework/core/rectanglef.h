@@ -13,8 +13,9 @@ struct RectangleFData
     double rotation = 0.0;
 };
 
-/// A rectangle, in pixels, turned about its center by the rotation, in radians. All access to the parts raises
-/// RuntimeException if it holds an error, and so does building it from points that hold one.
+/// A rectangle, in pixels. Its rotation about the center is in radians, from the x-axis, counterclockwise as the
+/// picture is seen, with y going down. All access to the parts raises RuntimeException if it holds an error, and
+/// so does building it from points that hold one.
 class GENICAM_API RectangleF : public DataValue<RectangleFData>
 {
 public:

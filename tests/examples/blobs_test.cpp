@@ -41,15 +41,16 @@ struct Ellipse
     double x, y, radius1, radius2, rotation;
 };
 
-/// Pixels whose centres lie inside are 200, others 50. That moves centre and radii by up to a tenth of a pixel.
+/// Turned counterclockwise as seen. Pixels whose centres lie inside are 200, others 50. That moves centre and
+/// radii by up to a tenth of a pixel.
 Picture drawEllipse(const Ellipse& e)
 {
     Picture picture{400, 300};
     for (std::size_t i = 0; i < picture.pixels.size(); ++i) {
         const double dx = static_cast<double>(i % picture.width) + 0.5 - e.x;
         const double dy = static_cast<double>(i / picture.width) + 0.5 - e.y;
-        const double along = (dx * std::cos(e.rotation) + dy * std::sin(e.rotation)) / e.radius1;
-        const double across = (dy * std::cos(e.rotation) - dx * std::sin(e.rotation)) / e.radius2;
+        const double along = (dx * std::cos(e.rotation) - dy * std::sin(e.rotation)) / e.radius1;
+        const double across = (dy * std::cos(e.rotation) + dx * std::sin(e.rotation)) / e.radius2;
         picture.pixels[i] = along * along + across * across <= 1 ? 200 : 50;
     }
     return picture;
@@ -215,7 +216,7 @@ TEST(BlobsTest, MomentsAgreeWithOpenCv)
     const std::vector<Blob> blobs = findBlobs(picture.view(), {});
     ASSERT_EQ(blobs.size(), 1U);
     const Blob& blob = blobs[0];
-    EXPECT_NEAR(blob.rotation, std::atan2(2 * xy, xx - yy) / 2, 1e-6);
+    EXPECT_NEAR(blob.rotation, -std::atan2(2 * xy, xx - yy) / 2, 1e-6);
     const auto square = [](double value) { return value * value; };
     EXPECT_NEAR(square(blob.majorRadius) + square(blob.minorRadius), 4 * (xx + yy), 1e-2);
     EXPECT_NEAR(square(blob.majorRadius * blob.minorRadius), 16 * (xx * yy - xy * xy), 1);

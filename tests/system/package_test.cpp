@@ -17,6 +17,15 @@ namespace SystemTest {
 
 namespace {
 
+/// A bright line of three pixels that falls to the right.
+CNivexImage fallingLine()
+{
+    CNivexImage image = solidImage(EPixelType::Mono8, 8, 8, 10);
+    for (int i = 2; i < 5; ++i)
+        static_cast<unsigned char*>(image.GetBuffer())[9 * i] = 200;
+    return image;
+}
+
 /// A picture of 40 by 30 with a bright rectangle inside, a larger one at the right border and a single bright
 /// pixel.
 CNivexImage twoRectangles()
@@ -83,9 +92,10 @@ TEST_F(PackageTest, IsBuiltAgainstTheInstalledTreeAndRuns)
     CImagePersistence::Save(EImageFileFormat::Bmp, (images() / "2.bmp").string(),
                             solidImage(EPixelType::RGB8Packed, 8, 8, 149));
     std::ofstream(images() / "3.bmp") << "no picture";
+    CImagePersistence::Save(EImageFileFormat::Bmp, (images() / "4.bmp").string(), fallingLine());
     const fs::path recipe = writeRecipe(findBlobs().dump());
     const RunEnded ended = end(
-        Program({moved + "/bin/stagelet", "run", recipe.string(), "--stats", "json", "--updates", "3", "--package",
+        Program({moved + "/bin/stagelet", "run", recipe.string(), "--stats", "json", "--updates", "4", "--package",
                  moved + "/lib/libNivexStageletPackageBase.so", "--package", build + "/libBlobPackage.so"},
                 folder / "logs"));
     ASSERT_EQ(ended.code, 0) << ended.err;
@@ -106,10 +116,14 @@ TEST_F(PackageTest, IsBuiltAgainstTheInstalledTreeAndRuns)
               "A.X=18.453;A.Y=23;B.X=41.547;B.Y=23\n"
               "ReferenceSize.Width=40;ReferenceSize.Height=30;BoundingBox.Left=20;BoundingBox.Top=20;"
               "BoundingBox.Width=20;BoundingBox.Height=6\n"
-              "1;0;-30\n-0;1;-23\n0;0;1\n");
+              "1;0;-30\n0;1;-23\n0;0;1\n");
     EXPECT_EQ(written("2.txt"),
               "0\n0\n0\n0 blobs\nData5 Array[0]\n\nData6 Array[0]\n\nData7 Array[0]\n\n1;0;0\n0;1;0\n0;0;1\n");
     EXPECT_EQ(countOf(written("3.txt"), "Input image is invalid.\n"), 11U);
+    // Angles go counterclockwise as seen; the matrix takes the line to the x-axis.
+    for (const char* part : {";Rotation=-0.785398;", "A.X=1.81675;A.Y=1.81675;B.X=5.18325;B.Y=5.18325\n",
+                             "\n0.707107;0.707107;-4.94975\n-0.707107;0.707107;"})
+        EXPECT_THAT(written("4.txt"), HasSubstr(part));
 }
 
 TEST_F(PackageTest, SavedSettingsMakeAnotherNodeEqual)
@@ -174,7 +188,7 @@ TEST_F(PackageTest, InspectionSortsPicturesByTheirBlobs)
     EXPECT_EQ(ended.finished(), 24U);
 
     // Each picture has lines in the table or is kept as a file, and none has both.
-    std::istringstream table(readFile(out() / "Inspection_1/blobs.csv"));
+    std::istringstream table(readFile(sessionOf(out(), "Inspection") / "blobs.csv"));
     std::string line;
     ASSERT_TRUE(std::getline(table, line));
     EXPECT_EQ(line, "picture,blob,x,y,radius1,radius2,degrees");
@@ -186,7 +200,7 @@ TEST_F(PackageTest, InspectionSortsPicturesByTheirBlobs)
     }
     EXPECT_GT(pictures.size(), 0U);
     EXPECT_LT(pictures.size(), 24U);
-    for (const std::string& file : listFiles(out() / "Empty_1"))
+    for (const std::string& file : listFiles(sessionOf(out(), "Empty")))
         pictures.push_back(file.substr(8, file.size() - 12));  // of "picture_N.png"
     std::vector<std::string> all;
     for (int i = 1; i <= 24; ++i)

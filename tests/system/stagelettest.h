@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <regex>
 #include <stdexcept>
 #include <thread>
 
@@ -72,6 +73,18 @@ inline std::vector<std::string> listFiles(const fs::path& folder)
     }
     std::sort(files.begin(), files.end());
     return files;
+}
+
+/// The one folder of that name and the time of a run, so that a further run gets a folder of its own.
+inline fs::path sessionOf(const fs::path& output, const std::string& name)
+{
+    const std::regex timed(name + R"(__\d{4}-\d\d-\d\d__\d\d-\d\d-\d\d__\d{3})");
+    std::vector<fs::path> found;
+    for (const auto& entry : fs::directory_iterator(output)) {
+        if (std::regex_match(entry.path().filename().string(), timed)) found.push_back(entry.path());
+    }
+    EXPECT_EQ(found.size(), 1U) << name;
+    return found.empty() ? output : found.front();
 }
 
 inline bool isTemporary(const std::string& file)

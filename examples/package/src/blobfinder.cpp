@@ -111,7 +111,7 @@ void BlobFinder::outputLargest(const Blob& blob, const Core::Image& image)
     const double x = blob.centerX;
     const double y = blob.centerY;
     const double c = std::cos(blob.rotation);
-    const double s = std::sin(blob.rotation);
+    const double s = 0.0 - std::sin(blob.rotation);  // Y goes down
     const double r = blob.majorRadius;
     const Core::BoundingBox box{blob.left, blob.top, static_cast<std::uint32_t>(blob.width),
                                 static_cast<std::uint32_t>(blob.height)};
@@ -119,7 +119,7 @@ void BlobFinder::outputLargest(const Blob& blob, const Core::Image& image)
     line_.setValue(Core::LineF({x - r * c, y - r * s}, {x + r * c, y + r * s}));
     region_.setValue(Core::Region(box, Core::ReferenceSize{image.getWidth(), image.getHeight()}));
     transformation_.setValue(
-        Core::TransformationData(3, 3, {c, s, -c * x - s * y, -s, c, s * x - c * y, 0, 0, 1}));
+        Core::TransformationData(3, 3, {c, s, -c * x - s * y, 0.0 - s, c, s * x - c * y, 0, 0, 1}));
 }
 
 }  // namespace Inspection

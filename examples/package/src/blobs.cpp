@@ -37,6 +37,7 @@ std::vector<Pixel> takeFigure(const GreyPicture& picture, std::vector<char>& isW
 }
 
 /// A pixel is a square, which has a variance of 1/12 itself; a full ellipse of radius r has one of r^2 / 4.
+/// Y goes down, so the rotation has the other sign, but 0 is never -0, which texts would show.
 Blob measure(const GreyPicture& picture, const std::vector<Pixel>& figure)
 {
     const auto meanOf = [&figure](const auto& quantity) {
@@ -62,7 +63,7 @@ Blob measure(const GreyPicture& picture, const std::vector<Pixel>& figure)
             .centerY = y,
             .majorRadius = 2 * std::sqrt((xx + yy) / 2 + spread),
             .minorRadius = 2 * std::sqrt((xx + yy) / 2 - spread),
-            .rotation = std::atan2(xy, (xx - yy) / 2) / 2,
+            .rotation = std::atan2(0.0 - xy, (xx - yy) / 2) / 2,
             .brightness = meanOf([&picture](Pixel p) { return picture.pixels[placeOf(picture, p)]; })};
 }
 

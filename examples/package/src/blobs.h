@@ -35,8 +35,8 @@ struct Blob
     int left = 0, top = 0, width = 0, height = 0;
     double centerX = 0.0, centerY = 0.0;
     double majorRadius = 0.0, minorRadius = 0.0;  ///< Of the ellipse that has the same second moments.
-    double rotation = 0.0;                        ///< Of the major axis from X towards Y, -pi/2 to pi/2.
-    double brightness = 0.0;                      ///< The mean of its pixels.
+    double rotation = 0.0;    ///< Of the major axis from X, counterclockwise as seen, in radians, -pi/2 to pi/2.
+    double brightness = 0.0;  ///< The mean of its pixels.
 };
 
 /// All blobs of at least the minimum area, in the order in which their first pixels are read.
