@@ -82,7 +82,7 @@ TEST_F(CameraTest, TheExampleRecordsPicturesAndTheirChunks)
     EXPECT_EQ(ended.finished(), 12U);
     EXPECT_EQ(ended.files("Pictures"), 12U);
 
-    const auto lines = linesOf(readFile(out() / "CameraTable_1/frames.csv"));
+    const auto lines = linesOf(readFile(sessionOf(out(), "CameraTable") / "frames.csv"));
     ASSERT_EQ(lines.size(), 13U);
     EXPECT_EQ(lines[0], "frame,time_ns,exposure_us");
     double before = -1;
@@ -97,8 +97,9 @@ TEST_F(CameraTest, TheExampleRecordsPicturesAndTheirChunks)
 
     constexpr unsigned char bars[8][3] = {{255, 255, 255}, {255, 255, 0}, {0, 255, 255}, {0, 255, 0},
                                           {255, 0, 255},   {255, 0, 0},   {0, 0, 255},   {0, 0, 0}};
+    const fs::path pictures = sessionOf(out(), "Camera");
     for (int i = 1; i <= 12; ++i) {
-        const CNivexImage image = loadImage(out() / "Camera_1" / ("frame_" + std::to_string(i) + ".png"));
+        const CNivexImage image = loadImage(pictures / ("frame_" + std::to_string(i) + ".png"));
         ASSERT_EQ(image.GetPixelType(), EPixelType::RGB8Packed);
         ASSERT_EQ(image.GetWidth(), 640U);
         ASSERT_EQ(image.GetHeight(), 480U);
@@ -115,7 +116,7 @@ TEST_F(CameraTest, TheExampleRecordsEventsBesidePictures)
     const RunEnded ended = runExample("camera-events.json", {"--updates=20"});
     ASSERT_EQ(ended.code, 0) << ended.err;
     EXPECT_EQ(ended.finished(), 20U);
-    const auto lines = linesOf(readFile(out() / "Events_1/events.csv"));
+    const auto lines = linesOf(readFile(sessionOf(out(), "Events") / "events.csv"));
     EXPECT_EQ(lines.at(0), "event,end_of_exposure_ns");
     EXPECT_EQ(lines.size() - 1 + ended.files("Pictures"), 20U) << "each event is an update of its own";
     EXPECT_GE(lines.size(), 10U);
