@@ -82,7 +82,8 @@ const Package& requirePackage(const PackageSet& packages, const std::string& mod
 {
     if (const Package* package = packages.findPackage(module)) return *package;
     throw HostError(ExitCode::WrongCommandLine, "unknown module", module,
-                    "No package has it." + suggest(module, packages.getModuleNames()), "stagelet modules");
+                    "No package has it." + suggest(module, packages.getModuleNames()),
+                    "stagelet modules; --package FILE, for each package that is needed");
 }
 
 JsonObject toJson(const ModuleInfo& module, const Package& package)

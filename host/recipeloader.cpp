@@ -44,8 +44,9 @@ public:
         const Runtime::Package* package = packages_.findPackage(node.module);
         if (!package) {
             faults.addUnknown(node.modulePosition, nodeObject(node.name),
-                              "There is no module \"" + node.module + "\".", node.module,
-                              packages_.getModuleNames());
+                              "There is no module \"" + node.module +
+                                  "\"; --package FILE, for each package that is needed, brings others.",
+                              node.module, packages_.getModuleNames());
             return;
         }
         const auto resources = std::make_shared<NodeResources>(pool_);

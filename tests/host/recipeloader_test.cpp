@@ -88,7 +88,9 @@ TEST_F(RecipeLoaderTest, TellsTheFaultsOfAllStages)
 "Connections": [ "A.Text -> D.In9", "B.Tex -> D.In1", "B.Text -> E.In2" ] })",
          {"D.Pins=0", "F.Pins=1", "A.Count=3"});
     expectFaults(faults, {
-                             {2, 27, "node \"A\"", "There is no module \"Sorce\". Did you mean \"Source\"?"},
+                             {2, 27, "node \"A\"",
+                              "There is no module \"Sorce\"; --package FILE, for each package that is needed, "
+                              "brings others. Did you mean \"Source\"?"},
                              {3, 72, "node \"B\"", "\"images.count\" is \"7\""},
                              {3, 89, "node \"B\"", "\"refuse\" is 0.5"},
                              {4, 61, "node \"C\"", "\"images.count\" is missing"},
