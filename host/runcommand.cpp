@@ -243,8 +243,8 @@ ExitCode judge(const RunOptions& options, Graph::Event event, const RunStatistic
     const bool hasOtherEnd = options.updates != 0 || options.idle;
     if (const auto failures = countOutputFailures(statistics)) {
         getConsole().writeLine("output not written: " + options.recipe + ": " + std::to_string(failures) +
-                               " times a file, a folder or a video could not be written.\n"
-                               "try: see the log entries above, the output folder's existence and its free space");
+                               " times a file, a folder or a picture of a video could not be written.\ntry: " +
+                               adviseOnOutput(statistics));
         return ExitCode::OutputNotWritten;
     }
     if (event == Graph::Event::TimeOver && hasOtherEnd) {

@@ -28,6 +28,15 @@ std::uint64_t countOf(const LossCounts& lost, LossCause cause)
     return lost[static_cast<std::size_t>(cause)];
 }
 
+/// Over all nodes.
+std::uint64_t countOf(const RunStatistics& statistics, LossCause cause)
+{
+    std::uint64_t count = 0;
+    for (const NodeStatistics& node : statistics.nodes)
+        count += countOf(node.lost, cause);
+    return count;
+}
+
 JsonObject toJson(const LossCounts& lost)
 {
     JsonObject object;
@@ -155,12 +164,20 @@ std::string formatProgress(const RunStatistics& now, const RunStatistics& before
 
 std::uint64_t countOutputFailures(const RunStatistics& statistics)
 {
-    std::uint64_t count = 0;
-    for (const NodeStatistics& node : statistics.nodes) {
-        count += countOf(node.lost, LossCause::FileNotWritten) + countOf(node.lost, LossCause::NoSession) +
-                 countOf(node.lost, LossCause::EncoderFailed);
+    return countOf(statistics, LossCause::FileNotWritten) + countOf(statistics, LossCause::NoSession) +
+           countOf(statistics, LossCause::EncoderFailed);
+}
+
+std::string adviseOnOutput(const RunStatistics& statistics)
+{
+    std::string advice = "see the log entries above";
+    if (countOf(statistics, LossCause::FileNotWritten) + countOf(statistics, LossCause::NoSession) != 0) {
+        advice += ", the output folder's existence and its free space";
     }
-    return count;
+    if (countOf(statistics, LossCause::EncoderFailed) != 0) {
+        advice += "; give a video pictures of one size, or each size a video of its own";
+    }
+    return advice;
 }
 
 std::uint64_t countDrops(const RunStatistics& statistics)

@@ -21,6 +21,9 @@ std::string formatProgress(const Nivex::DataProcessing::Runtime::RunStatistics& 
 /// Losses of all nodes because files, folders or videos could not be written.
 std::uint64_t countOutputFailures(const Nivex::DataProcessing::Runtime::RunStatistics& statistics);
 
+/// Where to look after output failures, by the causes that occurred.
+std::string adviseOnOutput(const Nivex::DataProcessing::Runtime::RunStatistics& statistics);
+
 /// Updates lost for other reasons than a rule of the recipe.
 std::uint64_t countDrops(const Nivex::DataProcessing::Runtime::RunStatistics& statistics);
 

@@ -198,9 +198,13 @@ TEST_F(RunTest, ExitCodesTellWhatCameOfIt)
          5,
          {"--updates", "5", "--set=Sink.Cause=9", "--max-drops=0"},
          7,
-         "output not written: "},
-        {"no session", 5, {"--updates", "5", "--set=Sink.Cause=8"}, 7, "output not written: "},
-        {"encoder failed", 5, {"--updates", "5", "--set=Sink.Cause=10"}, 7, "output not written: "},
+         "try: see the log entries above, the output folder's existence and its free space\n"},
+        {"no session", 5, {"--updates", "5", "--set=Sink.Cause=8"}, 7, "free space\n"},
+        {"encoder failed",
+         5,
+         {"--updates", "5", "--set=Sink.Cause=10"},
+         7,
+         "log entries above; give a video pictures of one size"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
