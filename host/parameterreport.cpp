@@ -125,7 +125,10 @@ std::string formatParameterText(const std::vector<ModuleParameters>& modules, st
 
 std::string formatParameterMarkdown(const std::vector<ModuleParameters>& modules)
 {
-    std::string text = "# Parameters\n\nThe values are those of a fresh node.\n";
+    std::string text =
+        "# Parameters\n\nThe values are those of a fresh node. What they come to in a recipe and in files, such "
+        "as `FileMode` for\n"
+        "images and videos, is told in [recipe files](recipes.md) and [image and video files](image-files.md).\n";
     for (const ModuleParameters& entry : modules) {
         text += "\n## " + escapeMarkdown(entry.module) + "\n\n";
         if (entry.failure.empty()) {

@@ -139,7 +139,8 @@ TEST(ParameterReport, MarkdownShowsEveryTextAsItIs)
 {
     EXPECT_EQ(formatParameterMarkdown(makeModules()), R"(# Parameters
 
-The values are those of a fresh node.
+The values are those of a fresh node. What they come to in a recipe and in files, such as `FileMode` for
+images and videos, is told in [recipe files](recipes.md) and [image and video files](image-files.md).
 
 ## Fake
 
