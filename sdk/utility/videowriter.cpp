@@ -237,19 +237,23 @@ private:
         const bool isFull = file_->packetCount() - flushed_ >= fragmentPictures_;
         if (!isFull && Clock::now() - lastFlush_ < longest) return;
         lastFlush_ = Clock::now();
+        requireInPlace("write");
         file_->flush();
         flushed_ = file_->packetCount();
+    }
+
+    void requireInPlace(const char* operation)
+    {
+        if (file_->isInPlace()) return;
+        flushed_ = 0;
+        Video::raise(operation, path_, "the file is no longer there under that name");
     }
 
     void finishFile()
     {
         isEnded_ = true;
-        if (!file_->isInPlace()) {
-            flushed_ = 0;
-            countLosses();
-            Video::raise("finish", path_, "the file is no longer there under that name");
-        }
         try {
+            requireInPlace("finish");
             file_->finish();
             flushed_ = file_->packetCount();
         } catch (...) {

@@ -102,6 +102,7 @@ void ImageMediaWriter::writeImage(const Core::Image& image, const MediaWriterCon
     const std::string name =
         renderName(*context.tokens, nameTemplate(settings, indices.inArray != 0), *context.time, indices);
     const std::filesystem::path file = *context.folder / (name + row.extension);
+    claims_.require(file);
     save(image, row.format, file.string());
     ledger_.reportRecorded(1, sizeOf(file, image));
 }

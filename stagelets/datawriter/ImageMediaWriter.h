@@ -6,15 +6,17 @@
 
 #include "core/image.h"
 #include "datawriter/IMediaWriter.h"
+#include "datawriter/OutputClaims.h"
 
 namespace Plugin::NivexStageletPackageBase {
 
 /// Writes each image to a file of its own, and each element of an array of images to one. A file that has the name
-/// is replaced, whatever the file mode. JPEG files have the encoder's default quality.
+/// is replaced, whatever the file mode, but for one that another writer makes at the same time. JPEG files have
+/// the encoder's default quality.
 ///
 /// Accounts for each image: recorded with its file, InvalidInput for an image that is empty or holds an error,
 /// Unsupported for a grey image that was to become DNG and for any other kind of value. An empty array accounts
-/// for nothing. writeData raises what rendering the name, conversion and saving raise.
+/// for nothing. writeData raises what claiming the file, conversion and saving raise.
 class ImageMediaWriter : public IMediaWriter
 {
 public:
@@ -25,7 +27,11 @@ public:
     void writeData(const Nivex::DataProcessing::Utils::Variant& value,
                    const Nivex::DataProcessing::Utils::TypeInfo& type, const MediaWriterContext& context) override;
     void endRecord(const MediaWriterContext&) override {}
-    void endSession(const MediaWriterContext&) override { converted_.Release(); }
+    void endSession(const MediaWriterContext&) override
+    {
+        converted_.Release();
+        claims_.release();
+    }
 
 private:
     void writeImage(const Nivex::DataProcessing::Core::Image& image, const MediaWriterContext& context,
@@ -34,6 +40,7 @@ private:
               const GenICam::gcstring& path);
 
     IWriterLedger& ledger_;
+    OutputClaims claims_;
     Nivex::CNivexImage converted_;  ///< Kept from image to image, so that its memory is used again.
     Nivex::CImageFormatConverter converter_;
 };

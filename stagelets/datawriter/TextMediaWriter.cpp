@@ -47,6 +47,8 @@ std::ios_base::openmode openModeOf(FileMode mode)
     return std::ios_base::out;
 }
 
+constexpr const char* goneText = "The file was removed or renamed before it was finished.";
+
 /// Of the last call into the system.
 std::string systemMessage()
 {
@@ -92,7 +94,12 @@ void TextMediaWriter::beginRecord(const MediaWriterContext& context)
         open(context);
         closeAtRecordEnd_ = true;
     }
-    if (file_.is_open()) writeSections(TextFormat_RecordBegin, context);
+    if (!file_.is_open()) return;
+    if (isMissing(path_)) {
+        file_.setstate(std::ios_base::failbit);
+        logFailure(goneText, context);
+    }
+    writeSections(TextFormat_RecordBegin, context);
 }
 
 void TextMediaWriter::writeData(const Utils::Variant& value, const Utils::TypeInfo& type,
@@ -132,6 +139,7 @@ void TextMediaWriter::endRecord(const MediaWriterContext& context)
 
 void TextMediaWriter::endSession(const MediaWriterContext& context)
 {
+    claims_.release();
     if (!file_.is_open()) return;
     writeSections(TextFormat_SessionEnd, context);
     if (closeAtSessionEnd_) close(context);
@@ -154,9 +162,10 @@ void TextMediaWriter::open(const MediaWriterContext& context)
 {
     const MediaWriterSettings& settings = *context.settings;
     path_ = *context.folder / renderName(*context.tokens, nameTemplate(settings), *context.time, *context.indices);
-    if (isSpecialFile(path_)) {
+    const bool isFree = claims_.claim(path_) || settings.fileMode == FileMode::Append;
+    if (!isFree || isSpecialFile(path_)) {
         file_.setstate(std::ios_base::failbit);
-        logFailure("It is no regular file.", context);
+        logFailure(isFree ? "It is no regular file." : OutputClaims::refusal, context);
         return;
     }
     errno = 0;
@@ -176,7 +185,7 @@ void TextMediaWriter::close(const MediaWriterContext& context)
     if (file_.fail()) {
         cause = systemMessage();
     } else if (isMissing(path_)) {
-        cause = "The file was removed or renamed before it was finished.";
+        cause = goneText;
     } else {
         return ledger_.reportRecorded(1, 0);
     }

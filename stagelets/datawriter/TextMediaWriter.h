@@ -7,6 +7,7 @@
 
 #include "datawriter/ByteCounter.h"
 #include "datawriter/IMediaWriter.h"
+#include "datawriter/OutputClaims.h"
 
 namespace Plugin::NivexStageletPackageBase {
 
@@ -19,10 +20,11 @@ namespace Plugin::NivexStageletPackageBase {
 /// the file when the stream's buffer is full and when the file is closed.
 ///
 /// Accounts for each value: recorded with its bytes; FileNotWritten if there is no open file or its stream has
-/// failed; Unsupported if text can't be made of its type. Each file that is closed without failure is recorded as
-/// one file. One that fails as late as there, or has gone from its place by then, is one more FileNotWritten. What
-/// keeps a file from being written is logged once for each. As text waits in the stream's buffer, up to a buffer
-/// full of it may have been recorded before a full disk shows.
+/// failed; Unsupported if text can't be made of its type. A file that another writer makes at the same time is
+/// opened to append to it only. Each file that is closed without failure is recorded as one file. One that fails
+/// as late as there, or has gone from its place by then, is one more FileNotWritten. That it has gone is looked
+/// for at each record, too. What keeps a file from being written is logged once for each. As text waits in the
+/// stream's buffer, up to a buffer full of it may have been recorded before a full disk shows.
 ///
 /// Raises std::out_of_range if a pin's list of media writers or the list of pins is too short, and from writeData
 /// what the getters of a value raise.
@@ -52,6 +54,7 @@ private:
     bool logFailure(const std::string& cause, const MediaWriterContext& context);
 
     IWriterLedger& ledger_;
+    OutputClaims claims_;
     std::ofstream file_;
     ByteCounter counter_;                          ///< Stands between the stream and the buffer of its file.
     std::filesystem::path path_;                   ///< Of the file that was opened last, with or without success.

@@ -45,6 +45,14 @@ std::string fileName(const MediaWriterContext& context, const WriterIndices& ind
     return name;
 }
 
+/// 0 if someone has taken the file away already.
+std::uint64_t sizeOf(const std::string& file)
+{
+    std::error_code failed;
+    const std::uintmax_t size = std::filesystem::file_size(file, failed);
+    return failed ? 0 : size;
+}
+
 }  // namespace
 
 void VideoMediaWriter::beginSession(const MediaWriterContext& context)
@@ -80,7 +88,7 @@ void VideoMediaWriter::writeImage(const Core::Image& image, const MediaWriterCon
         reportLateLosses();
         return;
     }
-    ledger_.reportRecorded(0, image.getImageSize());
+    ledger_.reportRecorded(0, 0);
 }
 
 void VideoMediaWriter::reportLateLosses()
@@ -99,6 +107,8 @@ void VideoMediaWriter::open(const Core::Image& image, const MediaWriterContext& 
                               "{RecordIndex} in FileName keeps each; FileScope Session makes one of all records.",
                               static_cast<const void*>(this), path.c_str());
     }
+    cause_ = LossCause::FileNotWritten;
+    claims_.require(path);
     cause_ = LossCause::EncoderFailed;
     lateLosses_ = 0;
     writer_.Width.SetValue(image.getWidth());
@@ -137,6 +147,7 @@ void VideoMediaWriter::endRecord(const MediaWriterContext&)
 void VideoMediaWriter::endSession(const MediaWriterContext&)
 {
     if (closeAtSessionEnd_) close();
+    claims_.release();
 }
 
 void VideoMediaWriter::close()
@@ -146,7 +157,7 @@ void VideoMediaWriter::close()
     const bool isClosed = videoLog.guarded(this, "closing video", [&] { notingCause([&] { writer_.Close(); }); });
     reportLateLosses();
     if (isClosed || writer_.GetLastFailure() != EVideoFailure::File) {
-        ledger_.reportRecorded(1, 0);
+        ledger_.reportRecorded(1, sizeOf(path_));
     } else {
         ledger_.reportLoss(LossCause::FileNotWritten);
     }

@@ -6,6 +6,7 @@
 
 #include "core/image.h"
 #include "datawriter/IMediaWriter.h"
+#include "datawriter/OutputClaims.h"
 
 namespace Plugin::NivexStageletPackageBase {
 
@@ -15,12 +16,13 @@ namespace Plugin::NivexStageletPackageBase {
 /// video replaces a file that has its name, one of the same session not without a line in the log. A name that
 /// doesn't end in ".mp4" gets that ending.
 ///
-/// Accounts for each image: recorded with the bytes of the picture; InvalidInput for an image that is empty or
+/// Accounts for each image: recorded; InvalidInput for an image that is empty or
 /// holds an error; Unsupported for a pixel type that can't be converted and for any other kind of value;
-/// FileNotWritten if the file can't be made or written; EncoderFailed for what else keeps it from being opened or
-/// from taking the image, such as another size. Each video that is closed is recorded as one file; one that can't
-/// be written to its end is one more FileNotWritten. A failure shows up to two images late, and a full disk at the
-/// end of a fragment: images that were recorded by then and are lost after all are counted as lost as well.
+/// FileNotWritten if the file can't be made or written, or another writer makes it at the same time; EncoderFailed
+/// for what else keeps it from being opened or from taking the image, such as another size. Each video that is
+/// closed is recorded as one file with its bytes; one that can't be written to its end is one more FileNotWritten.
+/// A failure shows up to two images late, and a full disk at the end of a fragment: images that were recorded by
+/// then and are lost after all are counted as lost as well.
 ///
 /// Nothing is raised: failures are logged and the image is lost.
 class VideoMediaWriter : public IMediaWriter
@@ -48,6 +50,7 @@ private:
     void notingCause(const Operation& operation);
 
     IWriterLedger& ledger_;
+    OutputClaims claims_;
     Nivex::CVideoWriter writer_;
     Nivex::DataProcessing::Core::LossCause cause_{};  ///< Of the last image that was lost by a failure.
     std::uint64_t lateLosses_ = 0;                    ///< Of the present video, as far as reported.

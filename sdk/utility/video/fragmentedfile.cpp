@@ -32,11 +32,14 @@ void checkPath(const std::string& path)
     }
 }
 
-/// The file, made if there is none, with what it holds.
+/// The file, made if there is none, with what it holds. A symbolic link of that name gives way to it: what the
+/// link leads to is not what is recorded.
 int openWhole(const std::string& path)
 {
     checkPath(path);
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+    std::error_code failed;
+    if (std::filesystem::is_symlink(path, failed)) std::filesystem::remove(path, failed);
+    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666);
     if (descriptor < 0) raise("make", path, Files::systemText(errno));
     return descriptor;
 }
@@ -93,6 +96,7 @@ void FragmentedFile::begin(const AVCodecContext& encoder)
     require(code, "make", path_);
     avio_flush(format_->pb);
     checkFile(0, "make");
+    wholeBytes_ = avio_tell(format_->pb);
 }
 
 void FragmentedFile::write(AVPacket& packet)
@@ -110,6 +114,8 @@ void FragmentedFile::flush()
     const int code = av_write_frame(format_.get(), nullptr);
     avio_flush(format_->pb);
     checkFile(code, "write");
+    wholeBytes_ = avio_tell(format_->pb);
+    hasWholeFragment_ = true;
 }
 
 void FragmentedFile::finish()
@@ -119,7 +125,19 @@ void FragmentedFile::finish()
     avio_flush(format_->pb);
     if (format_->pb->error < 0) code = format_->pb->error;
     const int closed = avio_closep(&format_->pb);
+    if (code < 0 || closed < 0) dropTornFragment();
     require(code < 0 ? code : closed, "finish", path_);
+}
+
+void FragmentedFile::dropTornFragment() const
+{
+    if (hasWholeFragment_) {
+        // If that fails, too, players pass over the rest.
+        static_cast<void>(::ftruncate(claim_.descriptor(), wholeBytes_) == 0);
+    } else if (isInPlace()) {
+        std::error_code failed;
+        std::filesystem::remove(path_, failed);
+    }
 }
 
 bool FragmentedFile::isInPlace() const

@@ -32,7 +32,8 @@ public:
     void write(AVPacket& packet);
     /// Ends the fragment and hands it to the system.
     void flush();
-    /// Ends the file and closes it. It is closed after a failure, too.
+    /// Ends the file and closes it. After a failure it is closed, too, and has its whole fragments only; without
+    /// any it is removed.
     void finish();
     /// False if someone has removed, moved or replaced the file since it was made.
     bool isInPlace() const;
@@ -57,11 +58,14 @@ private:
 
     void begin(const AVCodecContext& encoder);
     void checkFile(int code, const char* operation);
+    void dropTornFragment() const;
 
     std::string path_;
     Claim claim_;
     std::unique_ptr<AVFormatContext, Release> format_;
     std::uint64_t packetCount_ = 0;
+    std::int64_t wholeBytes_ = 0;  ///< Up to the end of the last fragment that was written whole.
+    bool hasWholeFragment_ = false;
     PictureRate rate_;
 };
 

@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 
 #include "utility/imageformatconverter.h"
@@ -439,6 +441,19 @@ TEST_F(VideoWriter, IsLostWhereItsNameIsNoLongerItsOwn)
         EXPECT_EQ(writer.GetLateLossCount(), 30U);
     }
     EXPECT_EQ(fs::file_size(file), 9U);
+}
+
+TEST_F(VideoWriter, TakesThePlaceOfALink)
+{
+    const std::filesystem::path target = file.string() + ".old";
+    std::ofstream(target) << "precious";
+    std::filesystem::create_symlink(target, file);
+    open(64, 48);
+    writer.Add(filled(EPixelType::Mono8, 1));
+    writer.Close();
+    EXPECT_EQ(VideoJudge::countFrames(file), 1);
+    EXPECT_EQ(std::filesystem::file_size(target), 8u);
+    std::filesystem::remove(target);
 }
 
 TEST_F(VideoWriter, IsNotWrittenToByTwo)
