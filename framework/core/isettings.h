@@ -68,6 +68,11 @@ public:
     virtual bool hasLocation() const = 0;
     /// The folder of that file; empty without location.
     virtual GenICam::gcstring getLocation() const = 0;
+
+    /// The number of entries of a list. An object without members counts as an empty list.
+    virtual std::size_t getSize(const SettingsPath& path) const = 0;
+    /// Makes an empty list if there is no key; raises RuntimeException if it holds anything but a list.
+    virtual void createList(const SettingsPath& path) = 0;
 };
 
 }  // namespace Nivex::DataProcessing::Core

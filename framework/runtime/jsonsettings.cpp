@@ -327,4 +327,20 @@ gcstring JsonSettings::getLocation() const
     return file_->location;
 }
 
+std::size_t JsonSettings::getSize(const SettingsPath& path) const
+{
+    const ValuePtr value = require(path);
+    if (const auto* list = value->as<JsonArray>()) return list->items.size();
+    const auto* object = value->as<JsonObject>();
+    if (!object || !object->members.empty()) refuse(path, *value, "a list");
+    return 0;
+}
+
+void JsonSettings::createList(const SettingsPath& path)
+{
+    JsonValue& value = make(path);
+    if (value.as<std::monostate>()) value.data = JsonArray();
+    if (!value.as<JsonArray>()) refuse(path, value, "a list");
+}
+
 }  // namespace Nivex::DataProcessing::Runtime

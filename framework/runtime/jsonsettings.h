@@ -65,6 +65,8 @@ public:
     std::shared_ptr<Core::ISettings> createChild(const Core::SettingsPath& path) override;
     bool hasLocation() const override;
     GenICam::gcstring getLocation() const override;
+    std::size_t getSize(const Core::SettingsPath& path) const override;
+    void createList(const Core::SettingsPath& path) override;
 
 private:
     struct Refusal

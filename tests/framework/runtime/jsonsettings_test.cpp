@@ -18,7 +18,7 @@ using testing::HasSubstr;
 constexpr const char* text = R"({
   "name": "x", "small": 5, "minus": -5, "ratio": 0.5, "on": true, "nothing": null,
   "most": 18446744073709551615,
-  "list": [1, {"deep": 7}], "child": {"inner": {"key": "y"}}
+  "list": [1, {"deep": 7}], "child": {"inner": {"key": "y"}, "none": {}}
 })";
 
 class JsonSettingsTest : public testing::Test
@@ -52,6 +52,8 @@ TEST_F(JsonSettingsTest, ReadsWhatIsThere)
     EXPECT_EQ(store.getSigned(listItem(1).addElement("deep")), 7);
     EXPECT_EQ(store.openChild("child")->openChild("inner")->getString("key"), "y");
     EXPECT_EQ(store.openChild("child")->getLocation(), "/recipes");
+    EXPECT_EQ(store.getSize("list"), 2U);
+    EXPECT_EQ(store.openChild("child")->getSize("none"), 0U);
     EXPECT_TRUE(store.hasKey(listItem(0)));
     EXPECT_FALSE(store.hasKey(listItem(2)));
     EXPECT_FALSE(store.hasKey("absent"));
@@ -77,6 +79,10 @@ TEST_F(JsonSettingsTest, RefusalsNameThePathAndItsPlace)
     expectRefused([&] { store.getBool("small"); }, "wanted is true or false");
     expectRefused([&] { store.getString("nothing"); }, "is null");
     expectRefused([&] { store.openChild("list"); }, "wanted is an object");
+    expectRefused([&] { store.getSize("child"); }, "\"child\" is an object; wanted is a list");
+    expectRefused([&] { store.getSize("name"); }, "\"name\" is \"x\"; wanted is a list");
+    expectRefused([&] { store.getSize("nothing"); }, "is null; wanted is a list");
+    expectRefused([&] { store.getSize("absent"); }, "is missing");
 }
 
 TEST_F(JsonSettingsTest, WhatWasRefusedIsReplacedSoThatTheRestCanBeRead)
@@ -110,7 +116,8 @@ TEST_F(JsonSettingsTest, ListsWhatNobodyAskedFor)
     }
     EXPECT_EQ(told,
               "2 small (small) smal; 2 minus (minus) smal; 2 ratio (ratio) smal; 2 on (on) smal; 4 list[0] ([0]); "
-              "4 list[1].deep (deep) depp; 4 child.inner (inner) outer; ");
+              "4 list[1].deep (deep) depp; 4 child.inner (inner) outer; "
+              "4 child.none (none) outer; ");
 }
 
 TEST_F(JsonSettingsTest, WritesInTheOrderOfSetting)
@@ -125,6 +132,8 @@ TEST_F(JsonSettingsTest, WritesInTheOrderOfSetting)
     child->setDouble("ratio", 25);
     child->setBool("on", false);
     fresh.setSigned("b", -1);
+    fresh.createList("none");
+    fresh.createList("list");  // which leaves it as it is
     EXPECT_EQ(
         fresh.toText(),
         "{\n    \"b\": -1,\n    \"a\": {\n        \"most\": 18446744073709551615,\n        \"ratio\": 25.0,\n"
@@ -141,6 +150,7 @@ TEST_F(JsonSettingsTest, RefusesToWriteWhatJsonCannotHold)
     expectRefused([&] { store.setSigned(SettingsPath("name").addElement("x"), 1); }, "\"name.x\" cannot be made");
     expectRefused([&] { store.setSigned("child", 1); }, "an object");
     expectRefused([&] { store.createChild("name"); }, "wanted is an object");
+    expectRefused([&] { store.createList("child"); }, "wanted is a list");
     EXPECT_THROW(JsonSettings(parseJson("[]").root), GenICam::InvalidArgumentException);
 }
 

@@ -47,6 +47,8 @@ public:
     void setString(const Core::SettingsPath& path, const gcstring& value) override { set(path, value); }
     std::shared_ptr<ISettings> openChild(const Core::SettingsPath&) const override { return nullptr; }
     std::shared_ptr<ISettings> createChild(const Core::SettingsPath&) override { return nullptr; }
+    std::size_t getSize(const Core::SettingsPath&) const override { return 0; }
+    void createList(const Core::SettingsPath&) override {}
     bool hasLocation() const override { return !location.empty(); }
     gcstring getLocation() const override { return location; }
 
