@@ -31,19 +31,20 @@ SettingsPath field(const char* list, std::size_t index, const char* name)
     return entry(list, index).addElement(name);
 }
 
-/// Calls `read` with each index of a list, in order.
+/// Calls `read` with each index of a list, in order. Raises RuntimeException for anything but a list.
 template <typename Read>
 void forEachEntry(const Core::ISettings& settings, const char* list, const Read& read)
 {
-    for (std::size_t i = 0; settings.hasKey(entry(list, i)); ++i)
+    const std::size_t size = settings.getSize(list);
+    for (std::size_t i = 0; i < size; ++i)
         read(i);
 }
 
-/// An empty list is saved as an empty store, so that loading it empties the list.
+/// An empty list is saved too, so that loading it empties the list.
 template <typename Items, typename Save>
 void saveList(Core::ISettings& settings, const char* key, const Items& items, const Save& save)
 {
-    if (items.empty()) settings.createChild(key);
+    settings.createList(key);
     for (std::size_t i = 0; i < items.size(); ++i)
         save(i, items[i]);
 }

@@ -62,7 +62,10 @@ TEST_F(BadInputTest, AllFaultsOfARecipeAreToldInOneGo)
       "Parameters": [ "OutputPixelFormat = Mono9", "MaxNumThreads = 65" ] },
     { "Name": "Colour", "Module": "ImageFormatConverter" },
     { "Name": "Writer", "Module": "DataWriter",
-      "Parameters": [ "NumInputDataPins = 2", "OutputFolderNam = out", "RecordPeriod = x", "@Camera/Gain = 1" ] }
+      "Parameters": [ "NumInputDataPins = 2", "OutputFolderNam = out", "RecordPeriod = x", "@Camera/Gain = 1" ] },
+    { "Name": "Eye", "Module": "Camera",
+      "Settings": { "DeviceProperties": {"Key": "SerialNumber", "Value": "0815-0001"},
+                    "EventConfiguration": null, "ChunkPinConfigurations": "Number.Type=Integer" } }
   ],
   "Connections": [
     "Loader.Image -> Writer.Data1",
@@ -86,6 +89,9 @@ TEST_F(BadInputTest, AllFaultsOfARecipeAreToldInOneGo)
         {"\"OutputFolderNam = out\"", {"node \"Writer\": ", "Did you mean \"OutputFolderName\"?"}},
         {"\"RecordPeriod = x\"", {"node \"Writer\": ", "\"x\""}},
         {"\"@Camera/Gain = 1\"", {"node \"Writer\": ", "\"@Camera\"", "@Stagelet"}},
+        {"{\"Key\": ", {"\"DeviceProperties\" is an object; wanted is a list"}},
+        {"null", {"\"EventConfiguration\" is null; wanted is a list"}},
+        {"\"Number.Type=Integer\"", {"\"ChunkPinConfigurations\" is \"Number.Type=Integer\"; wanted is a list"}},
         {"\"Loader.Image -> Writer.Data3\"", {"no input \"Data3\"", "Did you mean \"Data"}},
         {"\"Loader.Imag -> Writer.Data2\"", {"no output \"Imag\"", "Did you mean \"Image\"?"}},
         {"\"Loder.Image -> Writer.Data2\"", {"no node \"Loder\"", "Did you mean \"Loader\"?"}},

@@ -358,11 +358,17 @@ TEST_F(CameraParametersTest, SettingsComeBack)
     EXPECT_EQ(outputs(node).size(), 4U);
     const auto fresh = std::make_shared<Runtime::JsonSettings>();
     Camera(pool).saveSettings(fresh);
+    for (const char* list : {"DeviceProperties", "EventConfiguration", "ChunkPinConfigurations"})
+        EXPECT_THAT(fresh->toText(), HasSubstr(std::string("\"") + list + "\": []"));
     node.loadSettings(fresh);
     EXPECT_THAT(outputs(node), ElementsAre("Image"));
     EXPECT_TRUE(node.getActiveAssignmentProperties().empty());
     EXPECT_EQ(get(node, "@Stagelet", "ConfigurationSetActive"), "");
     EXPECT_EQ(node.getAcquisitionMode(), AcquisitionMode::Continuous);
+    node.executeDevicePropertyAdd();
+    const char* const older = R"({"DeviceProperties": {}})";  // has its empty lists so
+    node.loadSettings(std::make_shared<Runtime::JsonSettings>(Runtime::parseJson(older).root));
+    EXPECT_TRUE(node.getActiveAssignmentProperties().empty());
     const auto wrong = std::make_shared<Runtime::JsonSettings>();
     wrong->setString("FixCorruptImages", "on");
     EXPECT_EQ(refusal<GenICam::InvalidArgumentException>([&] { node.loadSettings(wrong); }),
