@@ -1,5 +1,7 @@
 #include "camera/chunkpins.h"
 
+#include <stdexcept>
+
 #include "camera/cameralog.h"
 #include "camera/nodevalues.h"
 #include "core/array.h"
@@ -37,16 +39,23 @@ Utils::Variant toPinValue(Value value, std::size_t nameCount)
     return Utils::Variant(Utils::COWPtr<Core::Array<Value>>(std::move(values)));
 }
 
-/// A property without values is one whose reading failed; such a pin fails like one without the property.
+/// A property without values is one whose reading failed.
+const GenICam::gcstring_vector& requireValues(const PinMapping& pin, PinProperty property)
+{
+    const auto values = pin.properties.find(property);
+    if (values != pin.properties.end() && values->second.size() != 0) return values->second;
+    throw std::out_of_range(std::string("The pin has no ") + toText(property) +
+                            ". What stands behind an error of the chunk pin configuration is not read.");
+}
+
 Utils::Variant readPin(const PinMapping& pin, const GenApi::NodeMapPtr& nodeMap)
 {
-    const auto& properties = pin.properties;
-    if (properties.count(PinProperty::SelectorName) != 0) {
-        const gcstring& entry = properties.at(PinProperty::SelectorValue).at(0);
-        Nivex::CEnumParameter(nodeMap, properties.at(PinProperty::SelectorName).at(0)).SetValue(entry);
+    if (pin.properties.count(PinProperty::SelectorName) != 0) {
+        const gcstring& entry = requireValues(pin, PinProperty::SelectorValue).at(0);
+        Nivex::CEnumParameter(nodeMap, requireValues(pin, PinProperty::SelectorName).at(0)).SetValue(entry);
     }
     Utils::Variant pinValue;
-    const GenICam::gcstring_vector& names = properties.at(PinProperty::ValueName);
+    const GenICam::gcstring_vector& names = requireValues(pin, PinProperty::ValueName);
     for (const gcstring& name : names) {
         const GenApi::INode* node = nodeMap->GetNode(name);
         if (!node) continue;

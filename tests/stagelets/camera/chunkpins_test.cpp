@@ -157,5 +157,22 @@ TEST_F(ChunkPinsTest, AFailureEndsItsPinOnly)
     EXPECT_EQ(log.messages(), (Texts{failure("A"), failure("B"), summary(2) + "The chunks are damaged."}));
 }
 
+TEST_F(ChunkPinsTest, WhatAnErrorOfTheConfigurationLeavesOutIsNamed)
+{
+    const std::pair<const char*, const char*> rows[] = {
+        {"A.Type=Integer.EventName=E.ValueName=Int", "ValueName"},
+        {"A.Type=Integer.ValueName=1", "ValueName"},
+        {"A.Type=Integer.SelectorName=Selector.ValueName=Int", "SelectorValue"},
+    };
+    for (const auto& [line, missing] : rows) {
+        log.clear();
+        EXPECT_EQ(read({good, line}), "B=-7") << line;
+        EXPECT_EQ(log.messages().at(1), summary(1) + "The pin has no " + missing +
+                                            ". What stands behind an error of the chunk pin configuration is not "
+                                            "read.")
+            << line;
+    }
+}
+
 }  // namespace
 }  // namespace Plugin::NivexStageletPackageBase::Test
