@@ -50,6 +50,8 @@ void Camera::onStarting(const Core::NodeArgumentCollection& arguments)
                     own.deviceError ? own.deviceError->getDescription() : gcstring("No camera is allocated.");
                 NODE_REFUSE(RuntimeException, cameraLog, this, "onStarting", text.c_str());
             }
+            cameraLog.guarded(this, "looking at the chunk pins",
+                              [&] { logSilentChunkPins(own.pins.getChunkPins(), own.camera.GetNodeMap(), this); });
             own.setStoppedOnlyAvailable(false, notices);
             own.frameGaps.restart(own.camera.GetFirstBlockID());
             own.discardedBefore = own.camera.GetNumberOfDiscardedResults();

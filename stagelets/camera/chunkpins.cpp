@@ -66,6 +66,22 @@ Utils::Variant readPin(const PinMapping& pin, const GenApi::NodeMapPtr& nodeMap)
     return pinValue;
 }
 
+/// Empty if some value name is a parameter that pins put out, or if there are none: then each frame tells.
+std::string whySilent(const PinMapping& pin, const GenApi::INodeMap& nodeMap)
+{
+    std::string cause;
+    const auto names = pin.properties.find(PinProperty::ValueName);
+    if (names == pin.properties.end()) return cause;
+    for (const gcstring& name : names->second) {
+        const GenApi::INode* node = nodeMap.GetNode(name);
+        if (node && readByInterface(*node, []<typename Value, typename Parameter>() {})) return {};
+        if (!cause.empty()) continue;
+        cause = node ? "The camera's parameter \"" + name.str() + "\" is of a kind that pins don't put out."
+                     : "The camera has no parameter \"" + name.str() + "\".";
+    }
+    return cause;
+}
+
 }  // namespace
 
 void readChunkPins(const PinMappings& pins, const Nivex::CGrabResultData& result, Core::PinValues& values,
@@ -86,6 +102,22 @@ void readChunkPins(const PinMappings& pins, const Nivex::CGrabResultData& result
     Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
                           "Camera %p: %zu of %zu chunk pins got no value. Message: %s", node, failed, pins.size(),
                           cause.c_str());
+}
+
+void logSilentChunkPins(const PinMappings& pins, const GenApi::NodeMapPtr& nodeMap, const void* node)
+{
+    if (pins.empty()) return;
+    for (const auto& [name, pin] : pins) {
+        const std::string cause = whySilent(pin, *nodeMap);
+        if (cause.empty()) continue;
+        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                              "Camera %p: Chunk pin \"%s\" is without values. Message: %s", node, name.c_str(),
+                              cause.c_str());
+    }
+    const Nivex::CBooleanParameter mode(nodeMap, "ChunkModeActive");
+    if (!mode.IsReadable() || mode.GetValue()) return;
+    Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                          "Camera %p: Chunk pins are without values: ChunkModeActive of the camera is off.", node);
 }
 
 }  // namespace Plugin::NivexStageletPackageBase

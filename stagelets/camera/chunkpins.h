@@ -21,4 +21,9 @@ namespace Plugin::NivexStageletPackageBase {
 void readChunkPins(const PinMappings& pins, const Nivex::CGrabResultData& result,
                    Nivex::DataProcessing::Core::PinValues& values, const void* node);
 
+/// Logs each pin that no frame will bring values for, as the camera's node map says now: none of its value names
+/// is a parameter that pins put out; and for all of them together, if the camera's chunk mode is off. Raises what
+/// reading the mode raises.
+void logSilentChunkPins(const PinMappings& pins, const GenApi::NodeMapPtr& nodeMap, const void* node);
+
 }  // namespace Plugin::NivexStageletPackageBase

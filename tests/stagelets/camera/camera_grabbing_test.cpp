@@ -179,6 +179,10 @@ TEST_F(CameraGrabbing, ChunksTravelWithTheirImageAndEventsAlone)
         order.push_back(value.pin);
     };
     start();
+    EXPECT_EQ(logged(GenICam::formatText("Camera %p: Chunk pin \"Absent\" is without values. Message: The camera "
+                                         "has no parameter \"NoSuchChunk\".",
+                                         static_cast<const void*>(&node))),
+              1U);
     device().PushFrame();
     receiver.waitFor("Image", 1);
     device().PushEvent(0xA001, 4711);

@@ -174,5 +174,36 @@ TEST_F(ChunkPinsTest, WhatAnErrorOfTheConfigurationLeavesOutIsNamed)
     }
 }
 
+TEST_F(ChunkPinsTest, PinsThatNoFrameBringsValuesForAreToldBeforehand)
+{
+    const auto told = [this](const GenApiTest::World& camera, const GenICam::gcstring_vector& lines) {
+        PinMappings pins;
+        PinMappingParser().parse(PinMappingType::ChunkData, lines, pins);
+        log.clear();
+        logSilentChunkPins(pins, camera.map, this);
+        Texts texts;
+        for (const auto& line : log.lines()) {
+            EXPECT_EQ(line.severity, 4);
+            EXPECT_EQ(
+                line.message.find(GenICam::formatText("Camera %p: Chunk pin", static_cast<const void*>(this))),
+                0U);
+            texts.push_back(line.message.substr(line.message.find(": ") + 2));
+        }
+        return texts;
+    };
+    const std::string a = "Chunk pin \"A\" is without values. Message: ";
+    EXPECT_EQ(told(world, {good, "A.Type=Integer.ValueName=None.ValueName=Int", "C.Type=Integer"}), Texts());
+    EXPECT_EQ(told(world, {good, "A.Type=Integer.ValueName=None.ValueName=Selector"}),
+              Texts{a + "The camera has no parameter \"None\"."});
+    EXPECT_EQ(told(world, {"A.Type=Integer.ValueName=Selector"}),
+              Texts{a + "The camera's parameter \"Selector\" is of a kind that pins don't put out."});
+    GenApiTest::World chunky(nodes + R"(<Boolean Name="ChunkModeActive"><Value>0</Value></Boolean>)");
+    const std::string off = "Chunk pins are without values: ChunkModeActive of the camera is off.";
+    EXPECT_EQ(told(chunky, {good}), Texts{off});
+    EXPECT_EQ(told(chunky, {}), Texts());
+    chunky.Value("ChunkModeActive").FromString("true");
+    EXPECT_EQ(told(chunky, {good}), Texts());
+}
+
 }  // namespace
 }  // namespace Plugin::NivexStageletPackageBase::Test
