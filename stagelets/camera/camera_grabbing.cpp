@@ -176,7 +176,12 @@ void Camera::putOutResult(const Nivex::CGrabResultPtr& result, std::shared_ptr<C
     update = createUpdate();
     if (!update) return;
     if (missed > 0) reportMissed(Core::LossCause::FramesMissed, missed);
-    if (image.isLost()) reportLoss(Core::LossCause::GrabFailed, update.get());
+    if (image.isLost()) {
+        reportLoss(Core::LossCause::GrabFailed, update.get());
+        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                              "Camera %p: An image could not be grabbed. Message: %s",
+                              static_cast<const void*>(this), image.image->getError()->getDescription().c_str());
+    }
     outputs.emplace(imagePin, Utils::Variant(std::move(image.image)));
     if (fix == FixCorruptImages::On) {
         outputs.emplace(imageCorruptPin, Utils::Variant(Core::Boolean(image.corrupt)));

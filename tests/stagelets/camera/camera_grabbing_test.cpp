@@ -146,13 +146,23 @@ TEST_F(CameraGrabbing, FailedResultsAreErrorsOrRepaired)
         node.setFixCorruptImages(row.fix);
         Receiver corruptReceiver;
         if (row.fix == FixCorruptImages::On) corruptReceiver.attachTo(node, "ImageCorrupt");
+        log.clear();
         start();
         device().PushFrame([&](SFrame& frame) {
             frame.isComplete = row.isComplete;
             frame.errorDescription = row.description;
         });
-        EXPECT_THAT(errorOf(imageOf(receiver.waitFor("Image", ++count).back())), testing::StartsWith(row.error));
+        const std::string error = errorOf(imageOf(receiver.waitFor("Image", ++count).back()));
+        EXPECT_THAT(error, testing::StartsWith(row.error));
         node.stop();
+        EXPECT_EQ(logged(GenICam::formatText("Camera %p: An image could not be grabbed. Message: %s",
+                                             static_cast<const void*>(&node), error.c_str())),
+                  error == "no error" ? 0U : 1U);
+        const Texts entries = log.messages(cameraChannelName);
+        EXPECT_EQ(
+            std::count_if(entries.begin(), entries.end(),
+                          [](const std::string& text) { return text.find("grabbed.") != std::string::npos; }),
+            error == "no error" ? 0 : 1);
         const auto values = corruptReceiver.waitFor("ImageCorrupt", 0);
         EXPECT_STREQ(values.empty()                                  ? "no value"
                      : values.back().getValue<Core::Boolean>().get() ? "true"
