@@ -39,7 +39,7 @@ const char* tryReserve(Core::IResourcePool& pool, const Core::ResourceInfo& want
     return "No unused camera found to allocate.";
 }
 
-/// For the log: the refusals themselves don't say what was looked for.
+/// For the log: the refusals themselves don't say what was looked for. Empty if any camera will do.
 gcstring describe(const Nivex::CInfoBase& wanted)
 {
     GenICam::gcstring_vector names;
@@ -50,7 +50,7 @@ gcstring describe(const Nivex::CInfoBase& wanted)
         wanted.GetPropertyValue(name, value);
         text += (text.empty() ? "" : ", ") + name + " = \"" + value + "\"";
     }
-    return text.empty() ? gcstring("any properties") : text;
+    return text;
 }
 
 }  // namespace
@@ -120,9 +120,11 @@ std::unique_ptr<Nivex::INivexDevice> DeviceAssignment::reserve(Core::IResourcePo
         failure = tryReserve(pool, info, device);
     }
     if (failure) {
-        Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
-                              "Camera %p: A camera was wanted that has %s.", node_,
-                              describe(info.getInfo()).c_str());
+        const gcstring properties = describe(info.getInfo());
+        if (!properties.empty()) {
+            Utils::createLogEntry(Utils::SeverityFailure, cameraChannel(),
+                                  "Camera %p: A camera was wanted that has %s.", node_, properties.c_str());
+        }
         NODE_REFUSE(RuntimeException, cameraLog, node_, "allocateAdditionalResources", failure);
     }
     return device;
