@@ -138,7 +138,7 @@ TEST_F(JsonSettingsTest, WritesInTheOrderOfSetting)
         fresh.toText(),
         "{\n    \"b\": -1,\n    \"a\": {\n        \"most\": 18446744073709551615,\n        \"ratio\": 25.0,\n"
         "        \"on\": false\n    },\n    \"list\": [\n        0,\n        -1,\n        -2,\n        -3,\n"
-        "        -4,\n        -5,\n        -6,\n        -7,\n        -8\n    ]\n}\n");
+        "        -4,\n        -5,\n        -6,\n        -7,\n        -8\n    ],\n    \"none\": []\n}\n");
     EXPECT_EQ(fresh.createChild("a")->getBool("on"), false);
 }
 
