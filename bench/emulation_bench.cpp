@@ -169,6 +169,7 @@ private:
 class NoListener : public IDeviceListener
 {
     void OnDeviceEvent(std::uint64_t, const std::uint8_t*, std::size_t) noexcept override {}
+    void OnDeviceEventsLost(std::uint64_t, std::uint64_t) noexcept override {}
     void OnDeviceRemoved() noexcept override {}
 };
 

@@ -120,6 +120,10 @@ public:
     /// description's event ports have their address 0. May read and write the device's node maps, but not close
     /// the device. Must not throw.
     virtual void OnDeviceEvent(std::uint64_t eventId, const std::uint8_t* data, std::size_t size) noexcept = 0;
+    /// `count` events of that number were not delivered, for want of room, since this was last said of it. On the
+    /// event thread and under its rules; between the events that were delivered before and after them, as far as
+    /// the device can tell. Must not throw.
+    virtual void OnDeviceEventsLost(std::uint64_t eventId, std::uint64_t count) noexcept = 0;
     /// The device is gone for good: every register access fails from now on, without waiting for an answer, and no
     /// frame follows. Called at most once between Open and Close, without a lock of the device, on its event
     /// thread or any other thread of its own, but not on the stream thread: others may be waited for that stop the
@@ -161,6 +165,12 @@ public:
     /// while open.
     virtual GenApi::NodeMapPtr CreateChunkNodeMap() const = 0;
     virtual ETrailerByteOrder GetTrailerByteOrder() const = 0;
+
+    /// Returns when the events that the device had received at the call have been delivered, and what was lost of
+    /// them told, or when the device is closed. Events that come meanwhile are not waited for. Any thread may call
+    /// it, without a lock that a listener needs, but no listener. A device that delivers its events as it receives
+    /// them has nothing to do.
+    virtual void FlushEvents() noexcept {}
 
     /// @name Stream
     /// Bytes that a buffer must have for the largest frame of the present settings, and for what the transport

@@ -66,14 +66,32 @@ const CameraEvents::Shown& CameraEvents::Resolve(Target& target, const GenICam::
         Shown{nodeName, node, node ? eventIdsBehind(*node) : std::vector<std::uint64_t>{}});
 }
 
+std::shared_ptr<CameraEvents::Target> CameraEvents::PresentTarget()
+{
+    const std::lock_guard lock(mutex_);
+    return target_;
+}
+
+void CameraEvents::ForEachShowing(Target& target, std::uint64_t eventId,
+                                  const std::function<void(const std::string&)>& report,
+                                  const std::function<void(Handlers::Registration&, GenApi::INode*)>& call)
+{
+    handlers_.ForEach([&](Handlers::Registration& registration) {
+        const Shown& shown = Resolve(target, registration.nodeName);
+        if (std::find(shown.eventIds.begin(), shown.eventIds.end(), eventId) == shown.eventIds.end()) return;
+        GenApi::INode* const node = shown.node;
+        try {
+            call(registration, node);
+        } catch (...) {
+            report(GenICam::describeCurrentException());
+        }
+    });
+}
+
 void CameraEvents::Deliver(std::uint64_t eventId, const std::uint8_t* data, std::size_t size,
                            const std::function<void(const std::string&)>& report)
 {
-    std::shared_ptr<Target> target;
-    {
-        const std::lock_guard lock(mutex_);
-        target = target_;
-    }
+    const std::shared_ptr<Target> target = PresentTarget();
     try {
         if (!target || target->adapter.DeliverEvent(eventId, data, size) == 0) {
             ++unknown_;
@@ -83,15 +101,18 @@ void CameraEvents::Deliver(std::uint64_t eventId, const std::uint8_t* data, std:
         // A callback of some node failed; the data has arrived all the same.
         report(GenICam::describeCurrentException());
     }
-    handlers_.ForEach([&](Handlers::Registration& registration) {
-        const Shown& shown = Resolve(*target, registration.nodeName);
-        if (std::find(shown.eventIds.begin(), shown.eventIds.end(), eventId) == shown.eventIds.end()) return;
-        GenApi::INode* const node = shown.node;
-        try {
-            registration.handler->OnCameraEvent(camera_, registration.id, node);
-        } catch (...) {
-            report(GenICam::describeCurrentException());
-        }
+    ForEachShowing(*target, eventId, report, [this](Handlers::Registration& registration, GenApi::INode* node) {
+        registration.handler->OnCameraEvent(camera_, registration.id, node);
+    });
+}
+
+void CameraEvents::DeliverLost(std::uint64_t eventId, std::uint64_t count,
+                               const std::function<void(const std::string&)>& report)
+{
+    const std::shared_ptr<Target> target = PresentTarget();
+    if (!target) return;
+    ForEachShowing(*target, eventId, report, [&](Handlers::Registration& registration, GenApi::INode* node) {
+        registration.handler->OnCameraEventsLost(camera_, registration.id, node, count);
     });
 }
 

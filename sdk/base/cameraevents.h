@@ -31,6 +31,9 @@ public:
     /// handlers and callbacks throw goes to `report`, as text.
     void Deliver(std::uint64_t eventId, const std::uint8_t* data, std::size_t size,
                  const std::function<void(const std::string&)>& report);
+    /// Tells the handlers of the nodes that would have shown them of events that were lost. Otherwise as Deliver.
+    void DeliverLost(std::uint64_t eventId, std::uint64_t count,
+                     const std::function<void(const std::string&)>& report);
     std::uint64_t UnknownCount() const { return unknown_; }
 
 private:
@@ -50,6 +53,11 @@ private:
         std::vector<Shown> shown;  ///< Of the thread that delivers.
     };
 
+    std::shared_ptr<Target> PresentTarget();
+    /// Calls the handlers, each with its node, whose nodes show the event.
+    void ForEachShowing(Target& target, std::uint64_t eventId,
+                        const std::function<void(const std::string&)>& report,
+                        const std::function<void(Handlers::Registration&, GenApi::INode*)>& call);
     static const Shown& Resolve(Target& target, const GenICam::gcstring& nodeName);
 
     CInstantCamera& camera_;

@@ -27,6 +27,7 @@ void CConfigurationEventHandler::OnConfigurationRegistered(CInstantCamera&) {}
 void CConfigurationEventHandler::OnConfigurationDeregistered(CInstantCamera&) {}
 
 CCameraEventHandler::~CCameraEventHandler() = default;
+void CCameraEventHandler::OnCameraEventsLost(CInstantCamera&, std::intptr_t, GenApi::INode*, std::uint64_t) {}
 void CCameraEventHandler::OnCameraEventHandlerRegistered(CInstantCamera&, const char*, std::intptr_t) {}
 void CCameraEventHandler::OnCameraEventHandlerDeregistered(CInstantCamera&, const char*, std::intptr_t) {}
 

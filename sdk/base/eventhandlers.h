@@ -77,6 +77,10 @@ public:
     /// An event arrived whose data the node of the registered name shows. On the device's event thread, without
     /// a lock; must not close or detach the device. Other invalidations of the node are no events.
     virtual void OnCameraEvent(CInstantCamera& camera, std::intptr_t userProvidedId, GenApi::INode* node) = 0;
+    /// `count` events were lost on their way, for want of room, whose data the node would have shown. Called as
+    /// OnCameraEvent is, between the events before and after them as far as the device can tell.
+    virtual void OnCameraEventsLost(CInstantCamera& camera, std::intptr_t userProvidedId, GenApi::INode* node,
+                                    std::uint64_t count);
     virtual void OnCameraEventHandlerRegistered(CInstantCamera& camera, const char* nodeName,
                                                 std::intptr_t userProvidedId);
     virtual void OnCameraEventHandlerDeregistered(CInstantCamera& camera, const char* nodeName,

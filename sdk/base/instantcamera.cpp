@@ -232,6 +232,11 @@ bool CInstantCamera::DeregisterCameraEventHandler(CCameraEventHandler* handler, 
     return delist(*this, impl_->Events().List(), handler, nodeName);
 }
 
+void CInstantCamera::FlushEvents()
+{
+    impl_->FlushEvents();
+}
+
 std::uint64_t CInstantCamera::GetNumberOfUnknownEvents() const
 {
     return impl_->Events().UnknownCount();

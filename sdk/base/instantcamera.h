@@ -139,6 +139,10 @@ public:
     bool DeregisterConfiguration(CConfigurationEventHandler* handler);
     bool DeregisterImageEventHandler(CImageEventHandler* handler);
     bool DeregisterCameraEventHandler(CCameraEventHandler* handler, const GenICam::gcstring& nodeName);
+    /// Waits until the handlers have been called for the events that the device had received at the call, and told
+    /// of those lost among them. Ends early when the camera is closed. Not to be called by an event handler, nor
+    /// with a lock that one needs.
+    void FlushEvents();
     /// Events that arrived but for whose id the camera's description has no node; none while GrabCameraEvents is
     /// off.
     std::uint64_t GetNumberOfUnknownEvents() const;

@@ -165,7 +165,8 @@ void CInstantCamera::Impl::DetachDevice(bool forced)
             GENICAM_THROW(LogicalErrorException, "Another thread opens the camera while it is to be detached.");
         }
         {
-            const std::lock_guard state(state_);
+            // Nobody flushes a closed device for long.
+            const std::scoped_lock givenUp(flush_, state_);
             detached = std::exchange(link_, {}).device;
         }
         removed_ = false;
@@ -414,6 +415,18 @@ void CInstantCamera::Impl::OnDeviceEvent(std::uint64_t eventId, const std::uint8
 {
     if (!parameters_.GrabCameraEvents()) return;
     events_.Deliver(eventId, data, size, [this](const std::string& message) { Report(message); });
+}
+
+void CInstantCamera::Impl::OnDeviceEventsLost(std::uint64_t eventId, std::uint64_t count) noexcept
+{
+    if (!parameters_.GrabCameraEvents()) return;
+    events_.DeliverLost(eventId, count, [this](const std::string& message) { Report(message); });
+}
+
+void CInstantCamera::Impl::FlushEvents()
+{
+    const std::lock_guard flush(flush_);
+    if (INivexDevice* const device = Device()) device->FlushEvents();
 }
 
 void CInstantCamera::Impl::OnDeviceRemoved() noexcept

@@ -48,7 +48,7 @@ private:
 /// Order of locks: lock_, then a node map's lock, then those of the queue and of the device. state_ and the locks
 /// of the handler lists are held for moments only, with no further lock but the device's inside. Close lets go of
 /// lock_ while it waits for deliveries and for the device's threads; closing_ keeps others from starting anything
-/// meanwhile.
+/// meanwhile. flush_ is taken without lock_, or with it when the device is closed and can't be opened.
 class CInstantCamera::Impl : public IDeviceListener
 {
 public:
@@ -82,8 +82,10 @@ public:
     HandlerList<CConfigurationEventHandler>& Configurations() { return configurations_; }
     HandlerList<CImageEventHandler>& ImageHandlers() { return imageHandlers_; }
     CameraEvents& Events() { return events_; }
+    void FlushEvents();
 
     void OnDeviceEvent(std::uint64_t eventId, const std::uint8_t* data, std::size_t size) noexcept override;
+    void OnDeviceEventsLost(std::uint64_t eventId, std::uint64_t count) noexcept override;
     void OnDeviceRemoved() noexcept override;
 
 private:
@@ -102,7 +104,7 @@ private:
     void Report(const std::string& message) noexcept;
     void Report(const Failures& failures) noexcept;
 
-    /// Null if none is attached. Good while lock_ is held or closing_ is set.
+    /// Null if none is attached. Good while lock_ or flush_ is held or closing_ is set.
     INivexDevice* Device() const;
     void RequireNotClosing() const;
     void Connect(INivexDevice& device);
@@ -131,8 +133,9 @@ private:
     bool tellsCamera_ = false;  ///< Guarded by lock_: this grabbing starts and stops the camera.
     std::thread grabThread_;    ///< Guarded by lock_; runs from the first grabbing that needs it to the end.
 
+    std::mutex flush_;  ///< Held by who flushes events: the device is not given up meanwhile.
     mutable std::mutex state_;
-    Link link_;  ///< Guarded by state_; changes under lock_ only.
+    Link link_;  ///< Guarded by state_; changes under lock_ only, a device goes under flush_, too.
     std::atomic<bool> removed_ = false;
 };
 

@@ -269,20 +269,34 @@ void Camera::SendEventLocked(std::size_t event, std::uint64_t time, std::uint64_
     QueueEvent(events[event].id, time, events[event].hasFrameId ? std::optional(frameId) : std::nullopt);
 }
 
+// The queue is full.
+void Camera::DropEvent(std::uint64_t id)
+{
+    bank.Add("EventLostCount"_reg, 1);
+    std::vector<LostEvents>& lost = session_->events.back().lostBehind;
+    const auto known =
+        std::find_if(lost.begin(), lost.end(), [id](const LostEvents& row) { return row.id == id; });
+    if (known != lost.end())
+        ++known->count;
+    else
+        lost.push_back({id, 1});
+}
+
 void Camera::QueueEvent(std::uint64_t id, std::uint64_t time, std::optional<std::uint64_t> frameId)
 {
-    if (!session_ || !session_->open) return;
+    if (!session_ || !session_->open || session_->removed) return;
     if (session_->events.size() >= maxEvents) {
-        bank.Add("EventLostCount"_reg, 1);
+        DropEvent(id);
         return;
     }
-    QueuedEvent event{id, sizeof(time), {}};
+    QueuedEvent event{id, sizeof(time), {}, {}};
     std::memcpy(event.data.data(), &time, sizeof(time));
     if (frameId) {
         std::memcpy(event.data.data() + sizeof(time), &*frameId, sizeof(*frameId));
         event.size += sizeof(*frameId);
     }
-    session_->events.push_back(event);
+    session_->events.push_back(std::move(event));
+    ++session_->eventsQueued;
     noticed.notify_all();
 }
 

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/camerabackend.h"
 #include "base/emulation/framesettings.h"
@@ -17,12 +18,20 @@ namespace Nivex::Emulation {
 
 using Clock = std::chrono::steady_clock;
 
+/// Events of one number for which there was no room.
+struct LostEvents
+{
+    std::uint64_t id;
+    std::uint64_t count;
+};
+
 /// An event that waits for delivery.
 struct QueuedEvent
 {
     std::uint64_t id;
     std::size_t size;
     std::array<std::uint8_t, 16> data;
+    std::vector<LostEvents> lostBehind;  ///< Dropped between this one and the next, one entry for each number.
 };
 
 /// The present session of a device object with its camera. Guarded by the camera's mutex.
@@ -31,6 +40,8 @@ struct Session
     bool open = false;
     bool removed = false;
     std::deque<QueuedEvent> events;
+    std::uint64_t eventsQueued = 0;  ///< Ever.
+    std::uint64_t eventsDone = 0;    ///< Of those: delivered, or given up by Close.
 
     bool streaming = false;
     bool delivering = false;            ///< A sink is being called.
@@ -52,7 +63,7 @@ struct Session
 class Camera
 {
 public:
-    static constexpr std::size_t maxEvents = 1000;  ///< That wait; further ones are dropped and counted.
+    static constexpr std::size_t maxEvents = 1000;  ///< That wait; further ones are dropped and told of.
     static constexpr unsigned maxTriggers = 255;
 
     explicit Camera(std::string serialNumber);
@@ -92,7 +103,7 @@ public:
 
     std::mutex mutex;
     std::condition_variable changed;  ///< Anything that a stream thread waits for, and the end of a delay.
-    std::condition_variable noticed;  ///< Anything that an event thread waits for.
+    std::condition_variable noticed;  ///< Anything that an event thread, or who flushes, waits for.
     RegisterBank bank;
 
 private:
@@ -103,6 +114,7 @@ private:
     void WaitAsSlowDevice(std::unique_lock<std::mutex>& lock);
     bool React(Register written);
     bool Settle();
+    void DropEvent(std::uint64_t id);
     void QueueEvent(std::uint64_t id, std::uint64_t time, std::optional<std::uint64_t> frameId);
 
     void StartAcquisition();

@@ -128,6 +128,7 @@ void Device::Close() noexcept
     {
         const Lock lock(camera_.mutex);
         session_.open = false;
+        session_.eventsDone += session_.events.size();
         session_.events.clear();
         camera_.StopAcquisitionLocked();
         std::swap(maps, maps_);
@@ -207,17 +208,29 @@ void Device::DeliverEvents(IDeviceListener& listener)
                              [this] { return !session_.open || !session_.events.empty() || session_.removed; });
         if (!session_.open) return;
         if (session_.events.empty()) break;
-        const QueuedEvent event = session_.events.front();
+        const QueuedEvent event = std::move(session_.events.front());
         session_.events.pop_front();
         lock.unlock();
         listener.OnDeviceEvent(event.id, event.data.data(), event.size);
+        for (const LostEvents& lost : event.lostBehind)
+            listener.OnDeviceEventsLost(lost.id, lost.count);
         lock.lock();
+        ++session_.eventsDone;
+        camera_.noticed.notify_all();
     }
     // No frame may come behind the word that the camera is gone.
     camera_.noticed.wait(lock, [this] { return !session_.delivering; });
     if (!session_.open) return;
     lock.unlock();
     listener.OnDeviceRemoved();
+}
+
+// Of a camera that is gone, too, all that was queued is delivered.
+void Device::FlushEvents() noexcept
+{
+    Lock lock(camera_.mutex);
+    const std::uint64_t last = session_.eventsQueued;
+    camera_.noticed.wait(lock, [&] { return !session_.open || session_.eventsDone >= last; });
 }
 
 void Device::DeliverFrames(IStreamSink& sink)

@@ -52,6 +52,8 @@ public:
     GenApi::NodeMapPtr CreateChunkNodeMap() const override;
     ETrailerByteOrder GetTrailerByteOrder() const override { return ETrailerByteOrder::LittleEndian; }
 
+    void FlushEvents() noexcept override;
+
     std::size_t GetPayloadSize() const override;
     std::uint64_t GetFirstBlockID() const override { return 1; }
     void StartStream(IStreamSink& sink) override;

@@ -370,6 +370,9 @@ TEST(Camera, EventsReachTheHandlersOfTheirNodes)
         log.push_back(std::to_string(id) + " " + dynamic_cast<GenApi::IValue&>(*node).ToString().str());
         world.camera.GetNodeMap()->GetNode("EventData")->InvalidateNode();
     };
+    handler.onLost = [&](std::intptr_t id, const GenApi::INode* node, std::uint64_t count) {
+        log.push_back(std::to_string(count) + " lost for " + std::to_string(id) + " " + node->GetName().str());
+    };
     const auto registerFor = [&](const char* node, std::intptr_t id) {
         world.camera.RegisterCameraEventHandler(&handler, node, id, ERegistrationMode::Append, ECleanup::None);
     };
@@ -384,11 +387,14 @@ TEST(Camera, EventsReachTheHandlersOfTheirNodes)
         EXPECT_TRUE(world.device->PushEvent(0xA001, 100));
         EXPECT_TRUE(world.device->PushEvent(0xA002, 200));
         EXPECT_TRUE(world.device->PushEvent(0xA003, 300));
+        for (const std::uint64_t event : {0xA002U, 0xA003U})
+            world.device->LoseEvents(event, 7);
         world.Set("GrabCameraEvents", 0);
+        world.device->LoseEvents(0xA002, 8);
         EXPECT_TRUE(world.device->PushEvent(0xA001, 100));
         EXPECT_TRUE(world.device->PushEvent(0xA003, 300));
         world.Set("GrabCameraEvents", 1);
-        EXPECT_THAT(std::exchange(log, {}), ElementsAre("1 100", "2 200"));
+        EXPECT_THAT(std::exchange(log, {}), ElementsAre("1 100", "2 200", "7 lost for 2 OtherEventData"));
         EXPECT_EQ(world.camera.GetNumberOfUnknownEvents(), static_cast<std::uint64_t>(round + 1));
         world.camera.Close();
     }

@@ -60,8 +60,13 @@ struct ImageHandler : CImageEventHandler
 struct EventHandler : CCameraEventHandler
 {
     void OnCameraEvent(CInstantCamera&, std::intptr_t id, GenApi::INode* node) override { onEvent(id, node); }
+    void OnCameraEventsLost(CInstantCamera&, std::intptr_t id, GenApi::INode* node, std::uint64_t count) override
+    {
+        onLost(id, node, count);
+    }
 
     std::function<void(std::intptr_t, GenApi::INode*)> onEvent;
+    std::function<void(std::intptr_t, GenApi::INode*, std::uint64_t)> onLost = [](auto...) {};
 };
 
 /// Calls `onStep` with the name of each step.

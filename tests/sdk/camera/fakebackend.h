@@ -285,6 +285,11 @@ public:
         listener->OnDeviceEvent(eventId, data, sizeof data);
         return true;
     }
+    void LoseEvents(std::uint64_t eventId, std::uint64_t count)
+    {
+        const std::lock_guard calls(calls_);
+        if (Nivex::IDeviceListener* const listener = listener_) listener->OnDeviceEventsLost(eventId, count);
+    }
     /// Unplugs the camera; the listener hears of it on this thread.
     void Remove()
     {

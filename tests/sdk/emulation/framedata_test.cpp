@@ -206,15 +206,18 @@ TEST(Events, OnRequest)
     EXPECT_EQ(missed.back().id, static_cast<std::uint64_t>(Number(map, "EventFrameTriggerMissed")));
 }
 
-// A listener that does not come to an end makes the queue run over; what is dropped is counted.
-TEST(Events, AreDroppedAndCountedWhenTooManyWait)
+// A listener that does not come to an end makes the queue run over; each event is delivered or told as lost.
+TEST(Events, AreDroppedAndToldWhenTooManyWait)
 {
     struct : Listener
     {
-        void OnDeviceEvent(std::uint64_t, const std::uint8_t*, std::size_t) noexcept override
+        void OnDeviceEvent(std::uint64_t id, const std::uint8_t* data, std::size_t size) noexcept override
         {
-            std::unique_lock lock(mutex);
-            released.wait(lock, [this] { return isReleased; });
+            {
+                std::unique_lock lock(mutex);
+                released.wait(lock, [this] { return isReleased; });
+            }
+            Listener::OnDeviceEvent(id, data, size);
         }
         std::mutex mutex;
         std::condition_variable released;
@@ -223,8 +226,12 @@ TEST(Events, AreDroppedAndCountedWhenTooManyWait)
     CEmulatedCameraBackend backend(1);
     const auto device = backend.CreateDevice(backend.EnumerateDevices().at(0));
     device->Open(blocked);
-    for (int i = 0; i < 1200; ++i)
-        Set(device->GetNodeMap(), "UnknownEventGenerate", "1");
+    const auto map = device->GetNodeMap();
+    Set(map, "EventSelector", "Test");
+    Set(map, "EventNotification", "On");
+    for (int i = 0; i < 600; ++i)
+        for (const char* event : {"TestEventGenerate", "UnknownEventGenerate"})
+            Set(map, event, "1");
     const std::int64_t lost = Number(device->GetTLNodeMap(), "EventLostCount");
     EXPECT_GE(lost, 199);
     EXPECT_LE(lost, 200) << "one is being delivered, 1000 wait";
@@ -233,7 +240,22 @@ TEST(Events, AreDroppedAndCountedWhenTooManyWait)
         blocked.isReleased = true;
     }
     blocked.released.notify_all();
+    device->FlushEvents();
+    std::map<std::uint64_t, std::uint64_t> counts = blocked.LostEvents();
+    ASSERT_EQ(counts.size(), 2U);
+    for (const auto& [id, count] : counts)
+        EXPECT_GE(count, 99U) << id;
+    for (const Event& event : blocked.WaitForEvents(0))
+        ++counts[event.id];
+    for (const auto& [id, count] : counts)
+        EXPECT_EQ(count, 600U) << id;
+
+    // What was pulled or closed has nothing to wait for.
+    Set(map, "UnplugNow", "1");
+    ASSERT_TRUE(blocked.WaitForRemoval());
+    device->FlushEvents();
     device->Close();
+    device->FlushEvents();
 }
 
 }  // namespace

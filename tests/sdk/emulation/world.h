@@ -48,6 +48,11 @@ public:
         events_.push_back({id, {data, data + size}});
         changed_.notify_all();
     }
+    void OnDeviceEventsLost(std::uint64_t id, std::uint64_t count) noexcept override
+    {
+        const std::lock_guard lock(mutex_);
+        lostEvents_[id] += count;
+    }
     void OnDeviceRemoved() noexcept override
     {
         const std::lock_guard lock(mutex_);
@@ -66,6 +71,12 @@ public:
         changed_.wait_for(lock, patience, [&] { return events_.size() >= count; });
         return events_;
     }
+    /// By event.
+    std::map<std::uint64_t, std::uint64_t> LostEvents()
+    {
+        const std::lock_guard lock(mutex_);
+        return lostEvents_;
+    }
     int Removals()
     {
         const std::lock_guard lock(mutex_);
@@ -76,6 +87,7 @@ private:
     std::mutex mutex_;
     std::condition_variable changed_;
     std::vector<Event> events_;
+    std::map<std::uint64_t, std::uint64_t> lostEvents_;
     int removals_ = 0;
 };
 
