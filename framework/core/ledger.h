@@ -15,6 +15,7 @@ enum class LossCause : std::uint8_t
     LoadFailed,        ///< An image file could not be read.
     GrabFailed,        ///< The camera delivered a failed result.
     FramesMissed,      ///< The camera's frame numbers show a gap.
+    EventsMissed,      ///< The camera, or its driver, had no room for events.
     InvalidInput,      ///< A node got an erroneous value and could do nothing with it.
     ConversionFailed,  ///< An image could not be converted.
     NodeFailed,        ///< A node's step ended with an exception.
@@ -26,10 +27,10 @@ enum class LossCause : std::uint8_t
 };
 
 /// The causes' names in statistics, in the enumeration's order.
-inline constexpr std::array<std::string_view, 13> lossCauseNames = {
-    "no_space",       "source_failed",     "load_failed",    "grab_failed", "frames_missed",
-    "invalid_input",  "conversion_failed", "node_failed",    "no_session",  "file_not_written",
-    "encoder_failed", "unsupported",       "refused_by_rule"};
+inline constexpr std::array<std::string_view, 14> lossCauseNames = {
+    "no_space",         "source_failed",  "load_failed",       "grab_failed",    "frames_missed",
+    "events_missed",    "invalid_input",  "conversion_failed", "node_failed",    "no_session",
+    "file_not_written", "encoder_failed", "unsupported",       "refused_by_rule"};
 
 inline constexpr std::size_t lossCauseCount = lossCauseNames.size();
 

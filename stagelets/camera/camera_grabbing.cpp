@@ -55,6 +55,7 @@ void Camera::onStarting(const Core::NodeArgumentCollection& arguments)
             own.setStoppedOnlyAvailable(false, notices);
             own.frameGaps.restart(own.camera.GetFirstBlockID());
             own.discardedBefore = own.camera.GetNumberOfDiscardedResults();
+            own.offersEvents = true;
             own.eventGate.open();
             startGrabbing();
         });
@@ -63,6 +64,7 @@ void Camera::onStarting(const Core::NodeArgumentCollection& arguments)
         if (impl_->camera.IsCameraDeviceRemoved()) {
             edit([this](Notices& notices) { impl_->keepDeviceError(notices); });
         }
+        impl_->eventGate.close();
         endGrabbing();
         throw;
     }
@@ -100,13 +102,14 @@ void Camera::endGrabbing()
     Impl& own = *impl_;
     attempt([&] {
         edit([&](Notices& notices) {
-            own.eventGate.close();
             attempt([&own] { own.camera.StopGrabbing(); });
             own.setStoppedOnlyAvailable(true, notices);
         });
     });
     // Handlers take the node's lock.
     own.camera.WaitForGrabLoop();
+    attempt([&own] { own.camera.FlushEvents(); });
+    own.eventGate.close();
     own.eventGate.wait();
     if (failure) std::rethrow_exception(failure);
 }
@@ -200,6 +203,12 @@ void Camera::EventOutput::onEventValueLost(const gcstring& /*pinName*/) noexcept
     if (pass) node_.countLost(Core::LossCause::SourceFailed);
 }
 
+void Camera::EventOutput::onEventsMissed(const gcstring& /*pinName*/, std::uint64_t count) noexcept
+{
+    const CallGate::Pass pass(node_.impl_->eventGate);
+    if (pass && node_.impl_->offersEvents) node_.reportMissed(Core::LossCause::EventsMissed, count);
+}
+
 void Camera::putOutEventValue(const gcstring& pinName, Utils::Variant value)
 {
     const CallGate::Pass pass(impl_->eventGate);
@@ -209,6 +218,7 @@ void Camera::putOutEventValue(const gcstring& pinName, Utils::Variant value)
         const Guard guard(*getLock());
         update = createUpdate();
     }
+    impl_->offersEvents = update != nullptr;
     if (!update) return;
     // The update is counted as it goes, so the caller must not hear of a failure.
     cameraLog.guarded(this, "putting out an event", [&] {

@@ -41,6 +41,7 @@ public:
     explicit EventOutput(Camera& node) : node_(node) {}
     void outputEventValue(const GenICam::gcstring& pinName, Nivex::DataProcessing::Utils::Variant value) override;
     void onEventValueLost(const GenICam::gcstring& pinName) noexcept override;
+    void onEventsMissed(const GenICam::gcstring& pinName, std::uint64_t count) noexcept override;
 
 private:
     Camera& node_;
@@ -118,8 +119,9 @@ struct Camera::Impl
     GrabbedImageBuilder imageBuilder;
     EventOutput eventOutput;
     EventPinRegistrations eventRegistrations;
-    CallGate eventGate;       ///< Open while the node runs.
-    std::mutex closingMutex;  ///< One thread at a time gives the camera up. Taken without the node's lock.
+    CallGate eventGate;        ///< Open while the node runs.
+    bool offersEvents = true;  ///< False once the limit of updates was met. Of the event thread, behind the gate.
+    std::mutex closingMutex;   ///< One thread at a time gives the camera up. Taken without the node's lock.
 
     // Guarded by the node's lock.
     std::unique_ptr<Signals> signals;

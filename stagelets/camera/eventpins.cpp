@@ -122,6 +122,11 @@ void EventHandler::OnCameraEvent(Nivex::CInstantCamera& camera, std::intptr_t, G
     }
 }
 
+void EventHandler::OnCameraEventsLost(Nivex::CInstantCamera&, std::intptr_t, GenApi::INode*, std::uint64_t count)
+{
+    output_->onEventsMissed(pinName_, count);
+}
+
 void EventPinRegistrations::registerAll(Nivex::CInstantCamera& camera, const GenICam::gcstring_vector& lines,
                                         IEventPinOutput& output)
 {

@@ -28,7 +28,7 @@ EventPinDescription readEventPin(const GenICam::gcstring& line);
 /// The second half of it: what the parser found in a line.
 EventPinDescription describeEventPin(const PinMappings& pins);
 
-/// Where the values of event pins go. Both are called on the camera's event thread, without a lock.
+/// Where the values of event pins go. All are called on the camera's event thread, without a lock.
 class IEventPinOutput
 {
 public:
@@ -39,6 +39,8 @@ public:
                                   Nivex::DataProcessing::Utils::Variant value) = 0;
     /// An event came whose value could not be read. Logged already; to be counted.
     virtual void onEventValueLost(const GenICam::gcstring& pinName) noexcept = 0;
+    /// So many events did not get here: the camera or its driver had no room for them. To be counted.
+    virtual void onEventsMissed(const GenICam::gcstring& pinName, std::uint64_t count) noexcept = 0;
 };
 
 /// Takes one value of camera events to its pin.
@@ -50,6 +52,8 @@ public:
 
     /// Never throws.
     void OnCameraEvent(Nivex::CInstantCamera& camera, std::intptr_t userProvidedId, GenApi::INode* node) override;
+    void OnCameraEventsLost(Nivex::CInstantCamera& camera, std::intptr_t userProvidedId, GenApi::INode* node,
+                            std::uint64_t count) override;
 
 private:
     GenICam::gcstring pinName_;

@@ -184,7 +184,7 @@ private:
 class Sink : public FakeNode
 {
 public:
-    explicit Sink(const std::shared_ptr<Core::IResourcePool>& pool) : FakeNode(pool, "Pins 1 1 9 Cause -1 -1 12")
+    explicit Sink(const std::shared_ptr<Core::IResourcePool>& pool) : FakeNode(pool, "Pins 1 1 9 Cause -1 -1 13")
     {
         map_->GetNode("Pins")->RegisterCallback([this](GenApi::INode*) { makePins(); });
         makePins();

@@ -184,25 +184,25 @@ TEST_F(RunTest, ExitCodesTellWhatCameOfIt)
         {"a map never comes", 5, {"--updates", "5", "--set", "Source.@Lat/Count=1"}, 2, "@Late"},
         {"losses are reported only",
          5,
-         {"--updates", "5", "--set=Sink.Cause=6"},
+         {"--updates", "5", "--set=Sink.Cause=7"},
          0,
          "0 finished, 5 lost (5 conversion_failed), in"},
-        {"as many as allowed", 5, {"--updates", "5", "--set=Sink.Cause=6", "--max-drops=5"}, 0, "lost"},
-        {"more than allowed", 5, {"--updates", "5", "--set=Sink.Cause=6", "--max-drops=4"}, 8, "allowed are 4"},
+        {"as many as allowed", 5, {"--updates", "5", "--set=Sink.Cause=7", "--max-drops=5"}, 0, "lost"},
+        {"more than allowed", 5, {"--updates", "5", "--set=Sink.Cause=7", "--max-drops=4"}, 8, "allowed are 4"},
         {"a rule loses nothing",
          5,
-         {"--updates", "5", "--set=Sink.Cause=12", "--max-drops=0"},
+         {"--updates", "5", "--set=Sink.Cause=13", "--max-drops=0"},
          0,
          "refused_by_rule"},
         {"files not written",
          5,
-         {"--updates", "5", "--set=Sink.Cause=9", "--max-drops=0"},
+         {"--updates", "5", "--set=Sink.Cause=10", "--max-drops=0"},
          7,
          "try: see the log entries above, the output folder's existence and its free space\n"},
-        {"no session", 5, {"--updates", "5", "--set=Sink.Cause=8"}, 7, "free space\n"},
+        {"no session", 5, {"--updates", "5", "--set=Sink.Cause=9"}, 7, "free space\n"},
         {"encoder failed",
          5,
-         {"--updates", "5", "--set=Sink.Cause=10"},
+         {"--updates", "5", "--set=Sink.Cause=11"},
          7,
          "log entries above; give a video pictures of one size"},
     };
@@ -266,14 +266,14 @@ TEST_F(RunTest, CamerasThatAreMissingOrLostHaveExitCodesOfTheirOwn)
 
 TEST_F(RunTest, StatisticsStandAloneOnStdoutAndRepeatsAreCounted)
 {
-    const Outcome outcome = runRecipe(5, {"--updates=5", "--stats", "json", "--set", "Sink.Cause=6"});
+    const Outcome outcome = runRecipe(5, {"--updates=5", "--stats", "json", "--set", "Sink.Cause=7"});
     const auto document = Nivex::DataProcessing::Runtime::parseJson(outcome.out);
     ASSERT_TRUE(document.root) << outcome.out;
     const auto updates = document.root->as<JsonObject>()->find("updates");
     EXPECT_EQ(updates->as<JsonObject>()->find("offered")->describe(), "5");
     EXPECT_THAT(outcome.err, HasSubstr("It was told to lose.\n"));
     EXPECT_THAT(outcome.err, HasSubstr("log: 4 more like: Sink "));
-    EXPECT_EQ(runRecipe(5, {"--updates=5", "--log-level=3", "--set", "Sink.Cause=6"}).err.find("told to lose"),
+    EXPECT_EQ(runRecipe(5, {"--updates=5", "--log-level=3", "--set", "Sink.Cause=7"}).err.find("told to lose"),
               std::string::npos);
 }
 

@@ -336,11 +336,11 @@ protected:
             graph.addNode("Camera", "Camera", {ownedCamera.release(), end});
             graph.addNode("Sink", "Sink", {ownedSink.release(), end});
         }
-        void addEventPin()
+        void addEventPin(const std::string& event = "ExposureEnd", const std::string& value = "FrameID")
         {
             camera->executeEventPinAdd();
             camera->setEventPinConfiguration(
-                "Event.Type=Integer.EventName=ExposureEnd.ValueName=EventExposureEndFrameID");
+                ("Event.Type=Integer.EventName=" + event + ".ValueName=Event" + event + value).c_str());
             graph.connect("Camera", "Event", "Sink", "Event");
         }
         void allocate()
@@ -493,6 +493,46 @@ TEST_F(CameraAccount, EventsAndImagesShareOneAccount)
     EXPECT_TRUE(std::is_sorted(frames.begin(), frames.end()));
 }
 
+// Nothing takes pictures here: all updates are events, of which more come than the recipe and the camera can hold.
+TEST_F(CameraAccount, CoversEveryEventOfACameraThatRunsOver)
+{
+    constexpr std::uint64_t sent = 1500;
+    const auto of = [](const Core::LossCounts& lost, Core::LossCause cause) {
+        return lost[static_cast<std::size_t>(cause)];
+    };
+    for (const std::uint64_t limit : {0U, 5U, 0U}) {
+        SCOPED_TRACE(limit);
+        Recipe recipe(pool);
+        recipe.addEventPin("Test", "Timestamp");
+        recipe.allocate();
+        set(*recipe.camera, "@CameraDevice", "TriggerMode", "On");
+        std::promise<void> open;
+        const auto opened = open.get_future().share();
+        recipe.sink->step = [opened](Core::PinValues&) { opened.wait(); };
+        recipe.graph.setUpdateLimit(limit);
+        recipe.graph.start();
+        for (std::uint64_t i = 0; i < sent; ++i)
+            set(*recipe.camera, "@CameraDevice", "TestEventGenerate", "1");
+        // One more than there is space for is in the source's hand.
+        const std::uint64_t taken = limit != 0 ? limit : recipe.sink->getMaxInputJobCount() + 1;
+        await([&] { return recipe.graph.getStatistics().offered >= taken; });
+        auto stopping = std::async(std::launch::async, [&] { recipe.graph.stop(); });
+        await([&] { return recipe.camera->getState() == Core::NodeState::Stopped; });
+        open.set_value();
+        stopping.get();
+        const Runtime::RunStatistics statistics = recipe.graph.getStatistics();
+        expectBalance(statistics);
+        if (limit != 0) {  // What comes after it is nobody's loss.
+            EXPECT_EQ(statistics.offered, limit);
+            continue;
+        }
+        EXPECT_EQ(statistics.offered, sent);
+        EXPECT_EQ(statistics.finished, recipe.sink->getMaxInputJobCount());
+        EXPECT_GE(of(statistics.lost, Core::LossCause::NoSpace), 1000 - statistics.finished);
+        EXPECT_GE(of(statistics.lost, Core::LossCause::EventsMissed), 100U);
+    }
+}
+
 // Everything at once, stopped at any moment, again and again: the account is exact and nothing hangs.
 TEST_F(CameraAccount, IsExactWhenStoppedAtAnyMoment)
 {
@@ -514,6 +554,8 @@ TEST_F(CameraAccount, IsExactWhenStoppedAtAnyMoment)
         const Runtime::RunStatistics statistics = recipe.graph.getStatistics();
         expectBalance(statistics);
         EXPECT_EQ(statistics.nodes[0].out, steps);
+        const auto delivered = std::stoull(get(*recipe.camera, "@StreamGrabber0", "StreamDeliveredFrameCount"));
+        EXPECT_EQ(statistics.offered, 2 * delivered) << "each frame is a picture and an event";
     }
 }
 

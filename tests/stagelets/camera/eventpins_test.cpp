@@ -67,6 +67,10 @@ public:
     {
         outputs.push_back(pinName.str() + " lost");
     }
+    void onEventsMissed(const gcstring& pinName, std::uint64_t count) noexcept override
+    {
+        outputs.push_back(pinName.str() + " missed " + std::to_string(count));
+    }
 
     Texts outputs;
     bool fails = false;
@@ -211,6 +215,11 @@ TEST_F(EventPinsTest, ValuesGoToTheirPins)
                                                               "OnBool=true", "OnBytes=none", "OnBeyond lost"));
     EXPECT_THAT(logged(),
                 testing::ElementsAre(HasSubstr("Failed to get event value of \"OnBeyond\" pin. Message: ")));
+
+    output = {};
+    registerLines({good});
+    device->LoseEvents(eventId, 3);
+    EXPECT_THAT(output.outputs, testing::ElementsAre(testing::EndsWith(" missed 3")));
 
     log.clear();
     output = {};
