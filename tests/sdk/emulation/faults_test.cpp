@@ -118,8 +118,8 @@ TEST(Faults, PullTheCable)
 
 TEST(Faults, PullTheCableAfterSomeFrames)
 {
-    World world(fast + Settings{{"UnplugAfterFrames", "5"}});
     Sink sink;
+    World world(fast + Settings{{"UnplugAfterFrames", "5"}});
     sink.GiveBuffersBackTo(*world.device);
     world.Start(sink);
     EXPECT_TRUE(world.listener.WaitForRemoval());

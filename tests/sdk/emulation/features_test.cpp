@@ -182,8 +182,8 @@ TEST(Features, ExposureAndRate)
 
 TEST(Features, ThatChangeTheFrameAreLockedWhileStreaming)
 {
-    World world;
     Sink sink;
+    World world;
     world.Start(sink);
     EXPECT_EQ(world.Value("TLParamsLocked"), "1");
     const char* locked[] = {"Width",           "Height",      "OffsetX",         "PixelFormat", "BinningVertical",

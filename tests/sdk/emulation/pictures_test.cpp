@@ -195,8 +195,8 @@ TEST(Pictures, FollowTheLight)
 
 TEST(Pictures, ChangeWhileTheStreamIsUp)
 {
-    World world(Geometry({{"TestPattern", "Black"}}));
     Sink sink(0);
+    World world(Geometry({{"TestPattern", "Black"}}));
     sink.GiveBuffersBackTo(*world.device);
     Sink late(1);
     world.Start(sink);

@@ -115,8 +115,8 @@ TEST(Stream, PacesByTable)
 
 TEST(Stream, FollowsANewRateWhileItWaits)
 {
-    World world({{"AcquisitionFrameRate", "0.01"}, {"ExposureTime", "10"}});
     Sink sink;
+    World world({{"AcquisitionFrameRate", "0.01"}, {"ExposureTime", "10"}});
     sink.GiveBuffersBackTo(*world.device);
     world.Start(sink);
     sink.WaitFor(1);
@@ -127,8 +127,8 @@ TEST(Stream, FollowsANewRateWhileItWaits)
 
 TEST(Stream, WaitsForTriggers)
 {
-    World world(fast + Settings{{"TriggerMode", "On"}});
     Sink sink;
+    World world(fast + Settings{{"TriggerMode", "On"}});
     sink.GiveBuffersBackTo(*world.device);
     world.Start(sink);
     for (int i = 0; i < 10; ++i)
@@ -157,8 +157,8 @@ TEST(Stream, EndsWhileATriggerOrAnExposureIsWaitedFor)
 
 TEST(Stream, LosesFramesWithoutBuffers)
 {
-    World world({{"AcquisitionFrameRate", "2000"}, {"ExposureTime", "10"}});
     Sink sink;
+    World world({{"AcquisitionFrameRate", "2000"}, {"ExposureTime", "10"}});
     world.Start(sink, 2);
     sink.WaitFor(2);
     while (Number(world.device->GetStreamGrabberNodeMap(), "StreamLostFrameCount") < 3)
@@ -172,8 +172,8 @@ TEST(Stream, LosesFramesWithoutBuffers)
 
 TEST(Stream, FailsWhatDoesNotFitItsBuffer)
 {
-    World world(fast);
     Sink sink;
+    World world(fast);
     world.Start(sink, 1, 1);
     const SFrame frame = sink.WaitFor(1)[0].frame;
     EXPECT_FALSE(frame.isComplete);
