@@ -371,6 +371,30 @@ protected:
         EXPECT_EQ(statistics.offered, settled);
         EXPECT_EQ(statistics.inFlight, 0U);
     }
+
+    /// Keeps the recipe's sink in its first step until the camera has stopped.
+    class HeldSink
+    {
+    public:
+        explicit HeldSink(Recipe& recipe) : recipe_(recipe)
+        {
+            recipe.sink->step = [opened = open_.get_future().share()](Core::PinValues&) { opened.wait(); };
+        }
+        Runtime::RunStatistics stop()
+        {
+            auto stopping = std::async(std::launch::async, [this] { recipe_.graph.stop(); });
+            await([this] { return recipe_.camera->getState() == Core::NodeState::Stopped; });
+            open_.set_value();
+            stopping.get();
+            const Runtime::RunStatistics statistics = recipe_.graph.getStatistics();
+            expectBalance(statistics);
+            return statistics;
+        }
+
+    private:
+        Recipe& recipe_;
+        std::promise<void> open_;
+    };
 };
 
 TEST_F(CameraAccount, EndsExactlyAtTheLimit)
@@ -415,7 +439,6 @@ TEST_F(CameraAccount, EndsExactlyAtTheLimit)
     }
 }
 
-// Frames that are in hand or wait in the camera's queue when the recipe stops are lost, and counted.
 // A camera may begin with any frame number, unless it says with which.
 TEST_F(CameraAccount, FramesBeforeTheFirstAreMissedWhereItsNumberIsKnown)
 {
@@ -435,23 +458,17 @@ TEST_F(CameraAccount, FramesBeforeTheFirstAreMissedWhereItsNumberIsKnown)
     }
 }
 
+// Frames that are in hand or wait in the camera's queue when the recipe stops are lost, and counted.
 TEST_F(CameraAccount, CountsWhatASlowRecipeLeavesBehindAtItsStop)
 {
     for (int round = 0; round < 2; ++round) {  // with the same camera
         Recipe recipe(pool);
         recipe.allocate();
         set(*recipe.camera, "@CameraDevice", "AcquisitionFrameRateEnable", "false");
-        std::promise<void> open;
-        const auto opened = open.get_future().share();
-        recipe.sink->step = [opened](Core::PinValues&) { opened.wait(); };
+        HeldSink held(recipe);
         recipe.graph.start();
         await([&] { return recipe.graph.getStatistics().inFlight > recipe.sink->getMaxInputJobCount(); });
-        auto stopping = std::async(std::launch::async, [&] { recipe.graph.stop(); });
-        await([&] { return recipe.camera->getState() == Core::NodeState::Stopped; });
-        open.set_value();
-        stopping.get();
-        const Runtime::RunStatistics statistics = recipe.graph.getStatistics();
-        expectBalance(statistics);
+        const Runtime::RunStatistics statistics = held.stop();
         EXPECT_EQ(statistics.finished, recipe.sink->getMaxInputJobCount());
         const std::uint64_t noSpace = statistics.lost[static_cast<std::size_t>(Core::LossCause::NoSpace)];
         EXPECT_GE(noSpace, 1U);
@@ -506,9 +523,7 @@ TEST_F(CameraAccount, CoversEveryEventOfACameraThatRunsOver)
         recipe.addEventPin("Test", "Timestamp");
         recipe.allocate();
         set(*recipe.camera, "@CameraDevice", "TriggerMode", "On");
-        std::promise<void> open;
-        const auto opened = open.get_future().share();
-        recipe.sink->step = [opened](Core::PinValues&) { opened.wait(); };
+        HeldSink held(recipe);
         recipe.graph.setUpdateLimit(limit);
         recipe.graph.start();
         for (std::uint64_t i = 0; i < sent; ++i)
@@ -516,12 +531,7 @@ TEST_F(CameraAccount, CoversEveryEventOfACameraThatRunsOver)
         // One more than there is space for is in the source's hand.
         const std::uint64_t taken = limit != 0 ? limit : recipe.sink->getMaxInputJobCount() + 1;
         await([&] { return recipe.graph.getStatistics().offered >= taken; });
-        auto stopping = std::async(std::launch::async, [&] { recipe.graph.stop(); });
-        await([&] { return recipe.camera->getState() == Core::NodeState::Stopped; });
-        open.set_value();
-        stopping.get();
-        const Runtime::RunStatistics statistics = recipe.graph.getStatistics();
-        expectBalance(statistics);
+        const Runtime::RunStatistics statistics = held.stop();
         if (limit != 0) {  // What comes after it is nobody's loss.
             EXPECT_EQ(statistics.offered, limit);
             continue;
